@@ -1,0 +1,88 @@
+#include "driver/dispatch.h"
+
+#include <sys/stat.h>
+
+#include <array>
+#include <cstdio>
+#include <ctime>
+#include <utility>
+
+#include "cipher/known_answer_tests.h"
+#include "cipher/monte_carlo_test.h"
+#include "cipher/multi_block_message_test.h"
+#include "driver/diagnostics.h"
+#include "driver/request_header.h"
+#include "driver/test_files.h"
+#include "driver/text_helpers.h"
+
+namespace runner {
+namespace {
+
+bool isSameFile(const char* path, const char* otherPath) {
+  struct stat file {};
+  struct stat other {};
+  return stat(path, &file) == 0 && stat(otherPath, &other) == 0 && file.st_dev == other.st_dev &&
+         file.st_ino == other.st_ino;
+}
+
+void startResponse(const char* responsePath) {
+  FileHandle response(std::fopen(responsePath, "w"));
+  if (!response) {
+    failOpening(responsePath);
+    return;
+  }
+  const std::time_t now = std::time(nullptr);
+  std::array<char, 32> date{};
+  std::strftime(date.data(), date.size(), "%a %b %e %H:%M:%S %Y", std::localtime(&now));
+  std::fprintf(response.get(), "# Date: %s\n# File: Response file\n#\n", date.data());
+  closeWritten(std::move(response), responsePath);
+}
+
+void reportFinished(const char* name) { std::printf("%s finish normally\n", name); }
+
+// The cipher tests succeed with any result that is not negative.
+void reportCipherTest(const char* name, int result) {
+  if (result >= 0) reportFinished(name);
+}
+
+void runCipherTests(const TestConfig& config, const char* requestPath, const char* responsePath) {
+  reportCipherTest("procKAT_Text", procKAT_VarText(config, requestPath, responsePath, "Text"));
+  reportCipherTest("procKAT_Key", procKAT_VarKey(config, requestPath, responsePath, "Key"));
+  reportCipherTest("procKAT_GFSbox", procKAT_VarText(config, requestPath, responsePath, "GFSbox"));
+  reportCipherTest("procKAT_KeySbox", procKAT_VarKey(config, requestPath, responsePath, "KeySbox"));
+  reportCipherTest("procMMT", procMMT(config, requestPath, responsePath));
+  reportCipherTest("procMCT", procMCT(config, requestPath, responsePath));
+}
+
+}  // namespace
+
+int runRequest(const char* requestPath, const char* responsePath) {
+  if (isSameFile(requestPath, responsePath)) return failOpening(responsePath);
+  TestConfig config;
+  startResponse(responsePath);
+  if (parseRequestHeader(config, requestPath, responsePath) < 0) return -1;
+  config.engine = CryptEngine::GNUTLS;
+  runTests(config, requestPath, responsePath);
+  return 0;
+}
+
+void runTests(const TestConfig& config, const char* requestPath, const char* responsePath) {
+  switch (config.testFunction) {
+    case TestFunction::ENCRYPTION:
+    case TestFunction::DECRYPTION:
+      runCipherTests(config, requestPath, responsePath);
+      break;
+    case TestFunction::KEY_GENERATION:
+    case TestFunction::PUBLIC_KEY_VALIDATION:
+    case TestFunction::SIGN:
+    case TestFunction::VERIFICATION:
+    case TestFunction::HASH:
+    case TestFunction::MAC:
+    case TestFunction::AEAD_ENCRYPTION:
+    case TestFunction::AEAD_DECRYPTION:
+    case TestFunction::DRBG:
+      break;
+  }
+}
+
+}  // namespace runner

@@ -1,0 +1,8 @@
+#include "driver/dispatch.h"
+
+// The command `runner REQUEST RESPONSE`. Exit status: 1 when an argument is missing, 255 when the
+// request header cannot be parsed, otherwise 0.
+int main(int argc, char** argv) {
+  if (argc < 3) return 1;
+  return runner::runRequest(argv[1], argv[2]);
+}

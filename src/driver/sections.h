@@ -1,0 +1,72 @@
+#ifndef RUNNER_DRIVER_SECTIONS_H_
+#define RUNNER_DRIVER_SECTIONS_H_
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+
+#include "driver/buffer.h"
+#include "driver/test_files.h"
+
+// The steps of which a test procedure consists: find a section of the request, read its values,
+// echo both into the response. Each returns 0, or -1 after it has printed what is wrong; the `site`
+// that it takes is the number of its failure line. All lines are read into TestFiles::line.
+
+namespace runner {
+
+// The failure numbers of a section with one value.
+struct SectionSites {
+  int section;  // the section is missing
+  int value;    // its value cannot be converted
+};
+
+// The failure numbers of a value whose buffer is allocated when it is read.
+struct ValueSites {
+  int allocation;
+  int value;
+};
+
+// enterSection finds the section `key`; the next line read is its first one.
+int enterSection(TestFiles& files, const char* key, int site);
+
+// echoSection finds the section `key` and writes the key.
+int echoSection(TestFiles& files, const char* key, int site);
+
+// nextLine reads the next line; nothing at the end of the file.
+std::optional<std::string_view> nextLine(TestFiles& files);
+
+// nextValue reads the next line; a line that is missing because the file has ended is an empty one.
+std::string_view nextValue(TestFiles& files);
+
+// nextListLine reads the next line of a list whose length was announced. At a section line, or at
+// the end of the file, it prints `complaint` as a line and returns nothing.
+std::optional<std::string_view> nextListLine(TestFiles& files, const char* complaint);
+
+// nextDecimal reads the next line as a decimal number.
+int nextDecimal(TestFiles& files);
+
+// echoDecimal reads the next line as a decimal number into `value` and writes it.
+void echoDecimal(TestFiles& files, int& value);
+
+// echoPositive is echoDecimal for a number that must be at least 1. Another number is not written;
+// `complaint`, unless it is null, is printed as a line, and the result is -1.
+int echoPositive(TestFiles& files, int& value, const char* complaint);
+
+// readHex reads the next line as hexadecimal text of out.size() bytes.
+int readHex(TestFiles& files, std::span<std::uint8_t> out, int site);
+
+// echoHex is readHex, followed by writing the bytes.
+int echoHex(TestFiles& files, std::span<std::uint8_t> out, int site);
+
+// echoHexSection finds the section `key`, writes the key, and reads and writes its value.
+int echoHexSection(TestFiles& files, const char* key, std::span<std::uint8_t> out,
+                   SectionSites sites);
+
+// echoMeasured allocates `value` for the hexadecimal digits at the start of `text`, and converts
+// and writes them.
+int echoMeasured(TestFiles& files, std::string_view text, Buffer& value, ValueSites sites);
+
+}  // namespace runner
+
+#endif  // RUNNER_DRIVER_SECTIONS_H_

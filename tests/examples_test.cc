@@ -1,0 +1,42 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/run_request.h"
+
+// Every example through the built program: the response (its date line aside), the console and the
+// exit status. The expected answers are published ones.
+
+namespace {
+
+const char* const kCipherTests =
+    "procKAT_Text finish normally\nprocKAT_Key finish normally\nprocKAT_GFSbox finish normally\n"
+    "procKAT_KeySbox finish normally\nprocMMT finish normally\nprocMCT finish normally\n";
+
+struct Example {
+  const char* name;
+  const char* console;
+};
+
+const Example kExamples[] = {
+    {"aes-128-cbc-encryption", kCipherTests},
+    {"aes-256-cbc-decryption", kCipherTests},
+};
+
+std::string example(const std::string& file) {
+  return readFile(std::string(RUNNER_EXAMPLES) + "/" + file);
+}
+
+TEST(Examples, GiveTheirPublishedAnswers) {
+  for (const Example& row : kExamples) {
+    SCOPED_TRACE(row.name);
+    const Outcome outcome = runBinary(example(std::string(row.name) + ".req"));
+    const std::string expected = example(std::string(row.name) + ".rsp");
+    ASSERT_FALSE(expected.empty());
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.console, row.console);
+    EXPECT_EQ(outcome.response, expected.substr(expected.find('\n') + 1));
+  }
+}
+
+}  // namespace

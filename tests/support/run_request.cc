@@ -1,0 +1,109 @@
+#include "support/run_request.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+#include "driver/dispatch.h"
+#include "driver/request_header.h"
+
+namespace {
+
+// withoutDate cuts the date line off after a look at its form, that of ctime.
+std::string withoutDate(const std::string& response) {
+  if (!response.starts_with("# Date: ")) return response;
+  const std::size_t end = response.find('\n');
+  EXPECT_EQ(end, std::string_view("# Date: Sun Nov  2 20:34:38 2025").size()) << response;
+  return response.substr(end + 1);
+}
+
+}  // namespace
+
+TempDir::TempDir() {
+  std::string path = (std::filesystem::temp_directory_path() / "runner-XXXXXX").string();
+  if (mkdtemp(path.data()) == nullptr) std::abort();
+  path_ = path;
+}
+
+TempDir::~TempDir() { std::filesystem::remove_all(path_); }
+
+std::string readFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void writeFile(const std::string& path, std::string_view content) {
+  std::ofstream(path, std::ios::binary) << content;
+}
+
+Outcome runCommand(const std::vector<std::string>& arguments) {
+  std::string command = RUNNER_BINARY;
+  for (const std::string& argument : arguments) command += " '" + argument + "'";
+  Outcome outcome;
+  std::FILE* const pipe = popen(command.c_str(), "r");  // NOLINT(cert-env33-c): own command
+  if (pipe == nullptr) std::abort();
+  std::array<char, 4096> chunk{};
+  while (const std::size_t count = std::fread(chunk.data(), 1, chunk.size(), pipe)) {
+    outcome.console.append(chunk.data(), count);
+  }
+  const int status = pclose(pipe);
+  outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return outcome;
+}
+
+Outcome runBinary(std::string_view request) {
+  const TempDir dir;
+  writeFile(dir.file("request"), request);
+  Outcome outcome = runCommand({dir.file("request"), dir.file("response")});
+  outcome.response = withoutDate(readFile(dir.file("response")));
+  return outcome;
+}
+
+Outcome runInProcess(std::string_view request, runner::CryptEngine engine) {
+  const TempDir dir;
+  const std::string requestPath = dir.file("request");
+  const std::string responsePath = dir.file("response");
+  writeFile(requestPath, request);
+  runner::TestConfig config;
+  Outcome outcome;
+  testing::internal::CaptureStdout();
+  outcome.status = runner::parseRequestHeader(config, requestPath.c_str(), responsePath.c_str());
+  config.engine = engine;
+  if (outcome.status == 0) runner::runTests(config, requestPath.c_str(), responsePath.c_str());
+  outcome.console = testing::internal::GetCapturedStdout();
+  outcome.response = readFile(responsePath);
+  return outcome;
+}
+
+std::string edited(std::string_view text, std::string_view from, std::string_view to) {
+  std::string result(text);
+  const std::size_t position = result.find(from);
+  if (position == std::string::npos) {
+    ADD_FAILURE() << "nothing to edit: " << from;
+    return result;
+  }
+  return result.replace(position, from.size(), to);
+}
+
+std::string lastLines(const std::string& text, int count) {
+  std::size_t start = text.size();
+  for (int i = 0; i < count && start > 0; ++i) {
+    const std::size_t newline = start < 2 ? std::string::npos : text.rfind('\n', start - 2);
+    start = newline == std::string::npos ? 0 : newline + 1;
+  }
+  return text.substr(start);
+}
+
+std::vector<std::uint8_t> fromHex(std::string_view text) {
+  std::vector<std::uint8_t> bytes;
+  for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
+    bytes.push_back(
+        static_cast<std::uint8_t>(std::stoul(std::string(text.substr(i, 2)), nullptr, 16)));
+  }
+  return bytes;
+}

@@ -1,0 +1,57 @@
+#ifndef RUNNER_TESTS_SUPPORT_RUN_REQUEST_H_
+#define RUNNER_TESTS_SUPPORT_RUN_REQUEST_H_
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "driver/test_config.h"
+
+// TempDir is a new empty directory, removed with all that is in it at the end of its life.
+class TempDir {
+ public:
+  TempDir();
+  ~TempDir();
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+
+  [[nodiscard]] std::string file(const std::string& name) const { return (path_ / name).string(); }
+
+ private:
+  std::filesystem::path path_;
+};
+
+std::string readFile(const std::string& path);
+void writeFile(const std::string& path, std::string_view content);
+
+// What a run leaves behind.
+struct Outcome {
+  int status = 0;        // exit status of the command; of a run in this process the parser's result
+  std::string console;   // standard output
+  std::string response;  // without its date line, if it began with one
+};
+
+// runCommand runs the built program with these arguments and returns its exit status and console.
+Outcome runCommand(const std::vector<std::string>& arguments);
+
+// runBinary runs the built program on a request with this text.
+Outcome runBinary(std::string_view request);
+
+// runInProcess parses the request and runs its tests through `engine` in this process. The response
+// lacks the program's own three lines.
+Outcome runInProcess(std::string_view request,
+                     runner::CryptEngine engine = runner::CryptEngine::GNUTLS);
+
+// edited returns `text` with the first occurrence of `from` replaced; a test fails when there is
+// none.
+std::string edited(std::string_view text, std::string_view from, std::string_view to);
+
+// lastLines returns the last `count` lines of `text`.
+std::string lastLines(const std::string& text, int count);
+
+// fromHex converts hexadecimal text to bytes.
+std::vector<std::uint8_t> fromHex(std::string_view text);
+
+#endif  // RUNNER_TESTS_SUPPORT_RUN_REQUEST_H_
