@@ -32,8 +32,14 @@ bench: build/release
 	cmake --build --preset release -j $(JOBS)
 	build/release/bench/runner_bench
 
+# One minute of fuzzing for each target; the examples are the seeds of the requests.
 fuzz: build/fuzz
 	cmake --build --preset fuzz -j $(JOBS)
+	mkdir -p build/corpus/text build/corpus/request
+	for f in examples/*.req; do \
+	  { printf '\000'; head -c 8191 $$f; } > build/corpus/request/$$(basename $$f); done
+	build/fuzz/fuzz/text_fuzz -max_total_time=60 build/corpus/text
+	build/fuzz/fuzz/request_fuzz -max_total_time=60 -max_len=8192 build/corpus/request
 
 coverage: build/coverage
 	cmake --build --preset coverage -j $(JOBS)
@@ -45,7 +51,7 @@ install: build/release
 
 package: build/release
 	cmake --build --preset release --target runner -j $(JOBS)
-	cd build/release && cpack -G DEB
+	cd build/release && cpack
 
 build/%: | deps
 	cmake --preset $*
