@@ -14,6 +14,8 @@ int openFiles(TestFiles& files, const char* requestPath, const char* responsePat
     files.request.reset();
     return failOpening(responsePath);
   }
+  std::setvbuf(files.request.get(), files.requestBuffer.data(), _IOFBF, kStreamBuffer);
+  std::setvbuf(files.response.get(), files.responseBuffer.data(), _IOFBF, kStreamBuffer);
   return 0;
 }
 

@@ -1,6 +1,8 @@
 #ifndef RUNNER_DRIVER_TEST_FILES_H_
 #define RUNNER_DRIVER_TEST_FILES_H_
 
+#include <array>
+#include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <span>
@@ -15,9 +17,16 @@ struct FileCloser {
 // written to is closed with closeWritten.
 using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 
+// The size of a stream's buffer. With the 4096 bytes that a stream has by itself, the system calls
+// take most of the time of a test with long values.
+inline constexpr std::size_t kStreamBuffer = 65536;
+
 // TestFiles holds the two files of a test procedure while it runs, and the buffer into which it
-// reads lines: its size is the line capacity, and the procedure owns it.
+// reads lines: its size is the line capacity, and the procedure owns it. The open streams refer to
+// the buffers here, so a TestFiles stays where it is.
 struct TestFiles {
+  std::array<char, kStreamBuffer> requestBuffer{};
+  std::array<char, kStreamBuffer> responseBuffer{};
   FileHandle request{};
   FileHandle response{};
   std::span<char> line{};
