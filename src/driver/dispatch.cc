@@ -14,6 +14,8 @@
 #include "driver/request_header.h"
 #include "driver/test_files.h"
 #include "driver/text_helpers.h"
+#include "hash/message_tests.h"
+#include "hash/pseudo_random_message_test.h"
 #include "sig/dsa_verification_test.h"
 #include "sig/rsa_verification_test.h"
 
@@ -61,6 +63,12 @@ void runCipherTests(const TestConfig& config, const char* requestPath, const cha
   reportCipherTest("procMCT", procMCT(config, requestPath, responsePath));
 }
 
+void runHashTests(const TestConfig& config, const char* requestPath, const char* responsePath) {
+  reportTest("procSMT", procSMT(config, requestPath, responsePath));
+  reportTest("procSLMT", procSLMT(config, requestPath, responsePath));
+  reportTest("procPGMT", procPGMT(config, requestPath, responsePath));
+}
+
 using TestProcedure = int (*)(const TestConfig&, const char*, const char*);
 
 // chooseVerification returns the test for the algorithm and the form of the request; null when
@@ -101,14 +109,16 @@ void runTests(const TestConfig& config, const char* requestPath, const char* res
     case TestFunction::DECRYPTION:
       runCipherTests(config, requestPath, responsePath);
       break;
+    case TestFunction::HASH:
+    case TestFunction::MAC:
+      runHashTests(config, requestPath, responsePath);
+      break;
     case TestFunction::VERIFICATION:
       runVerification(config, requestPath, responsePath);
       break;
     case TestFunction::KEY_GENERATION:
     case TestFunction::PUBLIC_KEY_VALIDATION:
     case TestFunction::SIGN:
-    case TestFunction::HASH:
-    case TestFunction::MAC:
     case TestFunction::AEAD_ENCRYPTION:
     case TestFunction::AEAD_DECRYPTION:
     case TestFunction::DRBG:
