@@ -180,14 +180,16 @@ const std::string kEncryption = kHeader + "[Number of Plaintexts]\n2\n" +
                                 zeroInputs("Plaintext");
 
 TEST(AeadRequest, EncryptsThroughBothEngines) {
+  // Whatever follows the last case is not read.
+  const std::string request = kEncryption + "[Key]\nnone\n";
+  const std::string response = kHeader + "[Number of Plaintexts]\n2\n" +
+                               inputs(kKey, kIv, "Plaintext", kText, kAad) + "[Ciphertext]\n" +
+                               kAnswer + "\n" + tagSection(kTag) + zeroInputs("Plaintext") +
+                               "[Ciphertext]\n\n" + tagSection(kZeroTag);
   for (const CryptEngine engine : {CryptEngine::GNUTLS, CryptEngine::OPENSSL}) {
-    // Whatever follows the last case is not read.
-    const Outcome outcome = runInProcess(kEncryption + "[Key]\nnone\n", engine);
+    const Outcome outcome = runInProcess(request, engine);
     EXPECT_EQ(outcome.console, kDone);
-    EXPECT_EQ(outcome.response, kHeader + "[Number of Plaintexts]\n2\n" +
-                                    inputs(kKey, kIv, "Plaintext", kText, kAad) + "[Ciphertext]\n" +
-                                    kAnswer + "\n" + tagSection(kTag) + zeroInputs("Plaintext") +
-                                    "[Ciphertext]\n\n" + tagSection(kZeroTag));
+    EXPECT_EQ(outcome.response, response);
   }
 }
 
@@ -202,12 +204,13 @@ TEST(AeadRequest, WithholdsWhatDoesNotVerify) {
                               tagSection(kTag) + zeros + tagSection(kTag) + zeros +
                               tagSection(kZeroTag);
   const std::string invalid = "[Plaintext]\nINVALID\n" + tagSection(kTag);
+  const std::string response = kDecryptionHeader + count + sound + "[Plaintext]\n" + kText + "\n" +
+                               tagSection(kTag) + wrongAad + invalid + zeros + invalid + zeros +
+                               "[Plaintext]\n\n" + tagSection(kZeroTag);
   for (const CryptEngine engine : {CryptEngine::GNUTLS, CryptEngine::OPENSSL}) {
     const Outcome outcome = runInProcess(request, engine);
     EXPECT_EQ(outcome.console, kDone);
-    EXPECT_EQ(outcome.response, kDecryptionHeader + count + sound + "[Plaintext]\n" + kText + "\n" +
-                                    tagSection(kTag) + wrongAad + invalid + zeros + invalid +
-                                    zeros + "[Plaintext]\n\n" + tagSection(kZeroTag));
+    EXPECT_EQ(outcome.response, response);
   }
 }
 
@@ -234,9 +237,10 @@ TEST(AeadRequest, TakesWhatTheEngineTakes) {
       {"192", kIv, kText, kAad, "", kAnswer, kTag},
       {"512", kIv, kText, kAad, refused, kAnswer, kTag},
   };
+  const std::string longKey = kKey + kKey + kKey + kKey;
   for (const Case& row : cases) {
     SCOPED_TRACE(row.keyBits + row.iv);
-    const std::string key = (kKey + kKey + kKey + kKey).substr(0, std::stoul(row.keyBits) / 4);
+    const std::string key = longKey.substr(0, std::stoul(row.keyBits) / 4);
     const std::string request = edited(kHeader, "128", row.keyBits) +
                                 "[Number of Plaintexts]\n1\n" +
                                 inputs(key, row.iv, "Plaintext", row.text, row.aad);

@@ -49,21 +49,31 @@ int readSection(TestFiles& files, const char* key, std::span<std::uint8_t> value
   return readHex(files, value, sites.value);
 }
 
-// echoMeasuredSection finds the section `key`, reads its value into `room`, stores the length that
-// its digits call for in `length`, and writes the section.
-int echoMeasuredSection(TestFiles& files, const char* key, Buffer& room, int& length,
-                        SectionSites sites) {
-  if (enterSection(files, key, sites.section) < 0) return -1;
+// readMeasured reads the next line as hexadecimal text of as many bytes as it has digits for, into
+// `value`, and stores their number in `length`.
+int readMeasured(TestFiles& files, Buffer& value, int& length, int site) {
   const std::string_view text = nextValue(files);
-  const std::size_t size = measureHex(text);
-  if (size > room.size()) {
-    failWith("unexpected long data!!");
-    return failAt(sites.value);
+  auto size = hexLineToBin(text, value.bytes());
+  if (!size) {
+    size = measureHex(text);
+    if (*size > value.size()) {
+      failWith("unexpected long data!!");
+      return failAt(site);
+    }
+    if (hexToBin(text, value.bytes().first(*size)) < 0) return failAt(site);
   }
-  const auto value = room.bytes().first(size);
-  if (hexToBin(text, value) < 0) return failAt(sites.value);
-  writeValue(files, key, value);
-  length = static_cast<int>(size);
+  length = static_cast<int>(*size);
+  return 0;
+}
+
+// echoMeasuredSection finds the section `key`, reads its value with readMeasured, and writes both.
+int echoMeasuredSection(TestFiles& files, const char* key, Buffer& value, int& length,
+                        SectionSites sites) {
+  if (enterSection(files, key, sites.section) < 0 ||
+      readMeasured(files, value, length, sites.value) < 0) {
+    return -1;
+  }
+  writeValue(files, key, value.bytes().first(static_cast<std::size_t>(length)));
   return 0;
 }
 
