@@ -13,6 +13,9 @@ const char* const kCipherTests =
     "procKAT_Text finish normally\nprocKAT_Key finish normally\nprocKAT_GFSbox finish normally\n"
     "procKAT_KeySbox finish normally\nprocMMT finish normally\nprocMCT finish normally\n";
 
+const char* const kHashTests =
+    "procSMT finish normally\nprocSLMT finish normally\nprocPGMT finish normally\n";
+
 struct Example {
   const char* name;
   const char* console;
@@ -23,6 +26,8 @@ const Example kExamples[] = {
     {"aes-256-cbc-decryption", kCipherTests},
     {"aes-128-gcm-encryption", "procAEAD finish normally\n"},
     {"aes-256-gcm-decryption", "procAEAD finish normally\n"},
+    {"sha-256-hash", kHashTests},
+    {"hmac-sha-256-mac", kHashTests},
 };
 
 std::string example(const std::string& file) {

@@ -15,6 +15,8 @@
 #include "driver/request_header.h"
 #include "driver/test_files.h"
 #include "driver/text_helpers.h"
+#include "hash/message_tests.h"
+#include "hash/pseudo_random_message_test.h"
 
 namespace runner {
 namespace {
@@ -46,6 +48,11 @@ void reportCipherTest(const char* name, int result) {
   if (result >= 0) reportFinished(name);
 }
 
+// All other tests succeed with 0 only.
+void reportTest(const char* name, int result) {
+  if (result == 0) reportFinished(name);
+}
+
 void runCipherTests(const TestConfig& config, const char* requestPath, const char* responsePath) {
   reportCipherTest("procKAT_Text", procKAT_VarText(config, requestPath, responsePath, "Text"));
   reportCipherTest("procKAT_Key", procKAT_VarKey(config, requestPath, responsePath, "Key"));
@@ -53,6 +60,12 @@ void runCipherTests(const TestConfig& config, const char* requestPath, const cha
   reportCipherTest("procKAT_KeySbox", procKAT_VarKey(config, requestPath, responsePath, "KeySbox"));
   reportCipherTest("procMMT", procMMT(config, requestPath, responsePath));
   reportCipherTest("procMCT", procMCT(config, requestPath, responsePath));
+}
+
+void runHashTests(const TestConfig& config, const char* requestPath, const char* responsePath) {
+  reportTest("procSMT", procSMT(config, requestPath, responsePath));
+  reportTest("procSLMT", procSLMT(config, requestPath, responsePath));
+  reportTest("procPGMT", procPGMT(config, requestPath, responsePath));
 }
 
 }  // namespace
@@ -77,12 +90,14 @@ void runTests(const TestConfig& config, const char* requestPath, const char* res
     case TestFunction::AEAD_DECRYPTION:
       reportCipherTest("procAEAD", procAEAD(config, requestPath, responsePath));
       break;
+    case TestFunction::HASH:
+    case TestFunction::MAC:
+      runHashTests(config, requestPath, responsePath);
+      break;
     case TestFunction::KEY_GENERATION:
     case TestFunction::PUBLIC_KEY_VALIDATION:
     case TestFunction::SIGN:
     case TestFunction::VERIFICATION:
-    case TestFunction::HASH:
-    case TestFunction::MAC:
     case TestFunction::DRBG:
       break;
   }
