@@ -24,6 +24,8 @@ struct Example {
 const Example kExamples[] = {
     {"aes-128-cbc-encryption", kCipherTests},
     {"aes-256-cbc-decryption", kCipherTests},
+    {"aes-128-gcm-encryption", "procAEAD finish normally\n"},
+    {"aes-256-gcm-decryption", "procAEAD finish normally\n"},
     {"dsa-2048-256-sha-256-verification", "procVerify finish normally\n"},
     {"rsa-2048-sha-256-verification", "procVerify finish normally\n"},
     {"sha-256-hash", kHashTests},

@@ -110,6 +110,21 @@ TEST(HexToBin, AcceptsJustTheHexadecimalDigits) {
   testing::internal::GetCapturedStdout();
 }
 
+TEST(HexLineToBin, TakesWholeLinesThatFit) {
+  const std::pair<std::string_view, int> cases[] = {
+      {"0aFf\n", 2}, {"0aFf", 2},    {"\n", 0},        {"", 0},        {"0aF\n", -1},
+      {"0aFg", -1},  {"0a\r\n", -1}, {"0aFf12\n", -1}, {"0a\n\n", -1},
+  };
+  for (const auto& [line, size] : cases) {
+    SCOPED_TRACE(line);
+    Bytes out(2);
+    EXPECT_EQ(static_cast<int>(hexLineToBin(line, out).value_or(-1)), size);
+    if (size == 2) {
+      EXPECT_EQ(out, (Bytes{0x0A, 0xFF}));
+    }
+  }
+}
+
 TEST(WriteHex, WritesEveryByteInOrder) {
   const TempDir dir;
   Bytes bytes(20000);  // more than one chunk

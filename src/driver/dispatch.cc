@@ -7,6 +7,7 @@
 #include <ctime>
 #include <utility>
 
+#include "cipher/aead_test.h"
 #include "cipher/known_answer_tests.h"
 #include "cipher/monte_carlo_test.h"
 #include "cipher/multi_block_message_test.h"
@@ -109,6 +110,10 @@ void runTests(const TestConfig& config, const char* requestPath, const char* res
     case TestFunction::DECRYPTION:
       runCipherTests(config, requestPath, responsePath);
       break;
+    case TestFunction::AEAD_ENCRYPTION:
+    case TestFunction::AEAD_DECRYPTION:
+      reportCipherTest("procAEAD", procAEAD(config, requestPath, responsePath));
+      break;
     case TestFunction::HASH:
     case TestFunction::MAC:
       runHashTests(config, requestPath, responsePath);
@@ -119,8 +124,6 @@ void runTests(const TestConfig& config, const char* requestPath, const char* res
     case TestFunction::KEY_GENERATION:
     case TestFunction::PUBLIC_KEY_VALIDATION:
     case TestFunction::SIGN:
-    case TestFunction::AEAD_ENCRYPTION:
-    case TestFunction::AEAD_DECRYPTION:
     case TestFunction::DRBG:
       break;
   }

@@ -280,7 +280,8 @@ Step scanSections(HeaderScan& scan) {
   while (step == Step::NEXT) {
     const auto line = nextLine(scan.files);
     if (!line) break;
-    step = readSection(scan, *line);
+    // All keys are in brackets, and most lines of a large request are not.
+    if (line->starts_with('[')) step = readSection(scan, *line);
   }
   return step;
 }

@@ -1,5 +1,7 @@
 #include "driver/test_files.h"
 
+#include <stdio_ext.h>
+
 #include <new>
 #include <utility>
 
@@ -9,11 +11,12 @@ namespace runner {
 namespace {
 
 // openStream opens a file with a buffer that it allocates; without memory for one the stream keeps
-// the C library's.
+// the C library's. The one thread of the program needs no lock around each read and write.
 FileHandle openStream(const char* path, const char* mode, std::unique_ptr<StreamBuffer>& buffer) {
   FileHandle file(std::fopen(path, mode));
   buffer.reset(file ? new (std::nothrow) StreamBuffer : nullptr);
   if (buffer) std::setvbuf(file.get(), buffer->data(), _IOFBF, buffer->size());
+  if (file) __fsetlocking(file.get(), FSETLOCKING_BYCALLER);
   return file;
 }
 

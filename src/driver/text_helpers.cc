@@ -4,6 +4,7 @@
 #include <array>
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 
 namespace runner {
 namespace {
@@ -122,8 +123,9 @@ std::optional<std::string_view> readLine(std::FILE* stream, std::span<char> buff
 
 int findSection(std::FILE* stream, const char* key) {
   std::array<char, kSectionLineCapacity> buffer;
-  while (const auto line = readLine(stream, buffer)) {
-    if (line->starts_with(key)) return 0;
+  const std::size_t length = std::strlen(key);
+  while (std::fgets(buffer.data(), buffer.size(), stream) != nullptr) {
+    if (std::strncmp(buffer.data(), key, length) == 0) return 0;
   }
   std::printf("\"%s\" is not found!!\n", key);
   return -1;
@@ -156,6 +158,14 @@ std::size_t measureHex(std::string_view text) { return (countHexDigits(text) + 1
 int hexToBin(std::string_view text, std::span<std::uint8_t> out) {
   if (out.size() <= text.size() / 2 && convertDigits(text.data(), out.data(), out.size())) return 0;
   return reportIllegalData(text, countHexDigits(text.substr(0, 2 * out.size())), out);
+}
+
+std::optional<std::size_t> hexLineToBin(std::string_view line, std::span<std::uint8_t> out) {
+  if (line.ends_with('\n')) line.remove_suffix(1);
+  const std::size_t count = line.size() / 2;
+  const bool fits = line.size() % 2 == 0 && count <= out.size();
+  if (!fits || !convertDigits(line.data(), out.data(), count)) return std::nullopt;
+  return count;
 }
 
 int hexToBlock(std::string_view text, std::span<std::uint8_t, 16> block) {

@@ -55,6 +55,12 @@ std::size_t measureHex(std::string_view text);
 // first digit, if any, and the ones after it are 0.
 int hexToBin(std::string_view text, std::span<std::uint8_t> out);
 
+// hexLineToBin converts a line that consists of an even number of hexadecimal digits, and of a
+// newline if it has one, into the first bytes of `out`. Returns their number; nothing, without
+// printing a line, for any other line and for one that does not fit, when `out` may hold anything.
+// It saves the pass over a long value that measureHex takes.
+std::optional<std::size_t> hexLineToBin(std::string_view line, std::span<std::uint8_t> out);
+
 // hexToBlock is hexToBin for a 16-byte block.
 int hexToBlock(std::string_view text, std::span<std::uint8_t, 16> block);
 

@@ -1,0 +1,55 @@
+#ifndef RUNNER_CIPHER_AEAD_ENGINE_H_
+#define RUNNER_CIPHER_AEAD_ENGINE_H_
+
+#include <cstddef>
+
+#include "driver/buffer.h"
+#include "driver/test_config.h"
+
+// AES-GCM (SP 800-38D) with a tag of 16 bytes through the engine of the run. Each call makes its
+// own cipher context and releases it. A key length of 32 bytes selects AES-256-GCM, any other
+// AES-128-GCM: GnuTLS gets the key with its length and refuses what it does not take, OpenSSL reads
+// the first 16 bytes. Which IV lengths work is up to the engine, too.
+
+namespace runner {
+
+inline constexpr std::size_t kTagLength = 16;
+
+// AeadParams are the texts of one AES-GCM case. The caller allocates the buffers, once for all of
+// its cases, and sets the lengths, none of which exceeds its buffer.
+struct AeadParams {
+  Buffer key;     // keyLength bytes, at least 16
+  Buffer input;   // plaintext (encryption) or ciphertext (decryption)
+  Buffer iv;      // initialisation vector
+  Buffer aad;     // additional authenticated data
+  Buffer output;  // ciphertext (encryption) or plaintext (decryption), room for inputLength bytes
+  Buffer tag;     // kTagLength bytes, written by encryption, read by decryption
+  int inputLength = 0;
+  int ivLength = 0;
+  int aadLength = 0;     // may be 0, as inputLength may
+  int outputLength = 0;  // bytes written to the output
+  int tagValid = 0;      // decryption: whether the tag matched; the caller sets it to 0 before
+};
+
+// execAeadEncrypt encrypts the input into the output, sets outputLength and writes the tag. Returns
+// the number of bytes of the output, or a negative number after a line on standard output.
+int execAeadEncrypt(const TestConfig& config, AeadParams& params);
+
+// execAeadDecrypt decrypts the input into the output and compares the tag. When it matches, the
+// call sets tagValid to 1 and returns the number of bytes of the output. When it does not, tagValid
+// is 0, the output holds zeros instead of the plaintext, and the result is 0, without a line. Any
+// other failure prints a line and returns a negative number.
+int execAeadDecrypt(const TestConfig& config, AeadParams& params);
+
+// aead_encrypt_gnutls and aead_decrypt_gnutls compute through GnuTLS; a negative result is its
+// error code.
+int aead_encrypt_gnutls(const TestConfig& config, AeadParams& params);
+int aead_decrypt_gnutls(const TestConfig& config, AeadParams& params);
+
+// aead_encrypt_openssl and aead_decrypt_openssl compute through OpenSSL; a negative result is -1.
+int aead_encrypt_openssl(const TestConfig& config, AeadParams& params);
+int aead_decrypt_openssl(const TestConfig& config, AeadParams& params);
+
+}  // namespace runner
+
+#endif  // RUNNER_CIPHER_AEAD_ENGINE_H_
