@@ -28,12 +28,12 @@ constexpr CryptEngine kGnutls = CryptEngine::GNUTLS;
 constexpr CryptEngine kOpenssl = CryptEngine::OPENSSL;
 
 // The examples, both on P-256.
-const std::string kKeys = example("ecdsa-p-256-public-key-validation.req");
+const std::string kKeys = example("ecdsa-p-256-public-key-validation", ".req");
 const std::string kKeysAnswer =
-    fromHere(example("ecdsa-p-256-public-key-validation.rsp"), "[Algorithm Name]");
-const std::string kSigned = example("ecdsa-p-256-sha-256-verification.req");
+    fromHere(example("ecdsa-p-256-public-key-validation", ".rsp"), "[Algorithm Name]");
+const std::string kSigned = example("ecdsa-p-256-sha-256-verification", ".req");
 const std::string kSignedAnswer =
-    fromHere(example("ecdsa-p-256-sha-256-verification.rsp"), "[Algorithm Name]");
+    fromHere(example("ecdsa-p-256-sha-256-verification", ".rsp"), "[Algorithm Name]");
 
 const std::string kFound = "curveid: 2\n";
 const std::string kNotFound = "curveid: -1\n";
