@@ -16,6 +16,8 @@
 #include "driver/text_helpers.h"
 #include "ec/ecdsa_verification_test.h"
 #include "ec/public_key_validation_test.h"
+#include "hash/message_tests.h"
+#include "hash/pseudo_random_message_test.h"
 #include "sig/dsa_verification_test.h"
 #include "sig/rsa_verification_test.h"
 
@@ -61,6 +63,12 @@ void runCipherTests(const TestConfig& config, const char* requestPath, const cha
   reportCipherTest("procKAT_KeySbox", procKAT_VarKey(config, requestPath, responsePath, "KeySbox"));
   reportCipherTest("procMMT", procMMT(config, requestPath, responsePath));
   reportCipherTest("procMCT", procMCT(config, requestPath, responsePath));
+}
+
+void runHashTests(const TestConfig& config, const char* requestPath, const char* responsePath) {
+  reportTest("procSMT", procSMT(config, requestPath, responsePath));
+  reportTest("procSLMT", procSLMT(config, requestPath, responsePath));
+  reportTest("procPGMT", procPGMT(config, requestPath, responsePath));
 }
 
 using TestProcedure = int (*)(const TestConfig&, const char*, const char*);
@@ -111,10 +119,12 @@ void runTests(const TestConfig& config, const char* requestPath, const char* res
     case TestFunction::VERIFICATION:
       runVerification(config, requestPath, responsePath);
       break;
-    case TestFunction::KEY_GENERATION:
-    case TestFunction::SIGN:
     case TestFunction::HASH:
     case TestFunction::MAC:
+      runHashTests(config, requestPath, responsePath);
+      break;
+    case TestFunction::KEY_GENERATION:
+    case TestFunction::SIGN:
     case TestFunction::AEAD_ENCRYPTION:
     case TestFunction::AEAD_DECRYPTION:
     case TestFunction::DRBG:
