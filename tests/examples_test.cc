@@ -27,20 +27,18 @@ const Example kExamples[] = {
     {"aes-128-gcm-encryption", "procAEAD finish normally\n"},
     {"aes-256-gcm-decryption", "procAEAD finish normally\n"},
     {"dsa-2048-256-sha-256-verification", "procVerify finish normally\n"},
+    {"ecdsa-p-256-public-key-validation", "curveid: 2\nprocChkPublicKey finish normally\n"},
+    {"ecdsa-p-256-sha-256-verification", "curveid: 2\nprocVerify finish normally\n"},
     {"rsa-2048-sha-256-verification", "procVerify finish normally\n"},
     {"sha-256-hash", kHashTests},
     {"hmac-sha-256-mac", kHashTests},
 };
 
-std::string example(const std::string& file) {
-  return readFile(std::string(RUNNER_EXAMPLES) + "/" + file);
-}
-
 TEST(Examples, GiveTheirPublishedAnswers) {
   for (const Example& row : kExamples) {
     SCOPED_TRACE(row.name);
-    const Outcome outcome = runBinary(example(std::string(row.name) + ".req"));
-    const std::string expected = example(std::string(row.name) + ".rsp");
+    const Outcome outcome = runBinary(example(row.name, ".req"));
+    const std::string expected = example(row.name, ".rsp");
     ASSERT_FALSE(expected.empty());
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.console, row.console);

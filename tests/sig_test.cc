@@ -13,6 +13,7 @@
 #include "sig/sig_handles.h"
 #include "sig/signature_primitives.h"
 #include "support/failing_allocator.h"
+#include "support/request_tables.h"
 #include "support/run_request.h"
 
 namespace {
@@ -44,47 +45,8 @@ const std::string kDsaRequest = kDsaHead + kHash + kDsaParameters + kDsaLists;
 const std::string kDsaResponse =
     kDsaHead + kDsaParameters + kHash + kDsaLists + "[Results]\n1\n1\n";
 
-// One edit of a sound request, what the program then prints, and where the response of the sound
-// request is cut off.
-struct Failure {
-  std::string from;
-  std::string to;
-  std::string console;
-  std::string cut;
-};
-
-std::string errAt(int site) { return "err happens!! (" + std::to_string(site) + ")\n"; }
-
-Failure missing(const std::string& key, int site) {
-  return {key + "\n", "[x]\n", '"' + key + "\" is not found!!\n" + errAt(site), key};
-}
-
-// illegal is a value that stops being hexadecimal: `text` from there on, and where that is.
-Failure illegal(const std::string& from, const std::string& to, const std::string& text,
-                const std::string& place, int site) {
-  return {from, to, "\nillegal data!! (" + text + ")\n" + place + "\n" + errAt(site), from};
-}
-
-void expectFailures(const std::string& request, const std::string& response,
-                    const std::vector<Failure>& failures) {
-  const Outcome sound = runInProcess(request);
-  EXPECT_EQ(sound.console, kDone);
-  EXPECT_EQ(sound.response, response);
-  for (const Failure& row : failures) {
-    SCOPED_TRACE(row.from + " -> " + row.to);
-    const Outcome outcome = runInProcess(edited(request, row.from, row.to));
-    EXPECT_EQ(outcome.console, row.console);
-    EXPECT_EQ(outcome.response, response.substr(0, response.find(row.cut)));
-  }
-}
-
-// fromHere returns the rest of `text` from `start` on.
-std::string fromHere(const std::string& text, const std::string& start) {
-  return text.substr(text.find(start));
-}
-
 TEST(RsaVerification, StopsWhereTheRequestIsWrong) {
-  expectFailures(kRsaRequest, kRsaResponse,
+  expectFailures(kRsaRequest, kRsaResponse, kDone,
                  {missing("[Bitlength of Modulus]", 5551),
                   missing("[n]", 5567),
                   illegal("ABCD", "ABCG", "G\n", "num=2, i=1, j=1", 5571),
@@ -107,7 +69,7 @@ TEST(RsaVerification, StopsWhereTheRequestIsWrong) {
 }
 
 TEST(DsaVerification, StopsWhereTheRequestIsWrong) {
-  expectFailures(kDsaRequest, kDsaResponse,
+  expectFailures(kDsaRequest, kDsaResponse, kDone,
                  {missing("[Bitlength of p]", 4145),
                   missing("[Bitlength of q]", 4154),
                   missing("[PQG]", 4164),
@@ -186,23 +148,6 @@ TEST(Verification, ReleasesLongListsRecordByRecord) {
   EXPECT_EQ(outcome.console, "\"[Plaintexts]\" is not found!!\nerr happens!! (4231)\n");
 }
 
-// What the engines make of values of unusual form: an edit of a request, then console and results.
-struct Judgement {
-  CryptEngine engine;
-  std::string request;
-  std::string console;
-  std::string results;
-};
-
-void expectJudgements(const std::vector<Judgement>& judgements) {
-  for (const Judgement& row : judgements) {
-    SCOPED_TRACE(row.request);
-    const Outcome outcome = runInProcess(row.request, row.engine);
-    EXPECT_EQ(outcome.console, row.console);
-    EXPECT_EQ(fromHere(outcome.response, "[Results]\n"), "[Results]\n" + row.results);
-  }
-}
-
 TEST(Verification, HandsValuesOverAsTheyStand) {
   const std::string rsaRefused = "pubkey_import_rsa_raw failed!! ret:-23\nerr happens!! (5682)\n";
   const std::string dsaRefused = "pubkey_import_dsa_raw failed!!\nerr happens!! (4281)\n";
@@ -219,10 +164,6 @@ TEST(Verification, HandsValuesOverAsTheyStand) {
                     {CryptEngine::OPENSSL, withoutSignature, kDone, "1\n1\n"},
                     {CryptEngine::GNUTLS, zeroPublicValue, dsaRefused, "1\n"},
                     {CryptEngine::GNUTLS, withoutQ, dsaRefused, ""}});
-}
-
-std::string example(const std::string& name, const std::string& extension) {
-  return readFile(RUNNER_EXAMPLES "/" + name + extension);
 }
 
 TEST(Verification, GivesThePublishedVerdictsThroughOpenssl) {

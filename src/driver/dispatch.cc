@@ -15,6 +15,8 @@
 #include "driver/request_header.h"
 #include "driver/test_files.h"
 #include "driver/text_helpers.h"
+#include "ec/ecdsa_verification_test.h"
+#include "ec/public_key_validation_test.h"
 #include "hash/message_tests.h"
 #include "hash/pseudo_random_message_test.h"
 #include "sig/dsa_verification_test.h"
@@ -79,6 +81,8 @@ TestProcedure chooseVerification(const TestConfig& config) {
   switch (config.mode) {
     case ModeId::DSA:
       return isValueList ? nullptr : procVerifyDsa;
+    case ModeId::ECDSA:
+      return isValueList ? nullptr : procVerifyEcdsa;
     case ModeId::RSASSA:
       return procVerifyRsa;
     default:
@@ -114,15 +118,17 @@ void runTests(const TestConfig& config, const char* requestPath, const char* res
     case TestFunction::AEAD_DECRYPTION:
       reportCipherTest("procAEAD", procAEAD(config, requestPath, responsePath));
       break;
-    case TestFunction::HASH:
-    case TestFunction::MAC:
-      runHashTests(config, requestPath, responsePath);
+    case TestFunction::PUBLIC_KEY_VALIDATION:
+      reportTest("procChkPublicKey", procChkPublicKey(config, requestPath, responsePath));
       break;
     case TestFunction::VERIFICATION:
       runVerification(config, requestPath, responsePath);
       break;
+    case TestFunction::HASH:
+    case TestFunction::MAC:
+      runHashTests(config, requestPath, responsePath);
+      break;
     case TestFunction::KEY_GENERATION:
-    case TestFunction::PUBLIC_KEY_VALIDATION:
     case TestFunction::SIGN:
     case TestFunction::DRBG:
       break;
