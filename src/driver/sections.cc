@@ -61,11 +61,16 @@ int echoHexSection(TestFiles& files, const char* key, std::span<std::uint8_t> ou
   return echoHex(files, out, sites.value);
 }
 
-int echoMeasured(TestFiles& files, std::string_view text, Buffer& value, ValueSites sites) {
-  if (!value.allocate(measureHex(text))) return mallocFailedAt(sites.allocation);
+int echoSized(TestFiles& files, std::string_view text, Buffer& value, std::size_t size,
+              ValueSites sites) {
+  if (!value.allocate(size)) return mallocFailedAt(sites.allocation);
   if (hexToBin(text, value.bytes()) < 0) return failAt(sites.value);
   writeHex(files.response.get(), value.bytes());
   return 0;
+}
+
+int echoMeasured(TestFiles& files, std::string_view text, Buffer& value, ValueSites sites) {
+  return echoSized(files, text, value, measureHex(text), sites);
 }
 
 }  // namespace runner

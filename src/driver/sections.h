@@ -1,6 +1,7 @@
 #ifndef RUNNER_DRIVER_SECTIONS_H_
 #define RUNNER_DRIVER_SECTIONS_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -63,8 +64,12 @@ int echoHex(TestFiles& files, std::span<std::uint8_t> out, int site);
 int echoHexSection(TestFiles& files, const char* key, std::span<std::uint8_t> out,
                    SectionSites sites);
 
-// echoMeasured allocates `value` for the hexadecimal digits at the start of `text`, and converts
-// and writes them.
+// echoSized allocates `value` with `size` bytes, and converts and writes the hexadecimal digits at
+// the start of `text`.
+int echoSized(TestFiles& files, std::string_view text, Buffer& value, std::size_t size,
+              ValueSites sites);
+
+// echoMeasured is echoSized with as many bytes as the digits at the start of `text` call for.
 int echoMeasured(TestFiles& files, std::string_view text, Buffer& value, ValueSites sites);
 
 }  // namespace runner

@@ -1,0 +1,26 @@
+#ifndef RUNNER_SIG_OPENSSL_ERROR_H_
+#define RUNNER_SIG_OPENSSL_ERROR_H_
+
+namespace runner {
+
+// lastOpensslError is the code of the last EC key that could not be made, or of the last DSA or
+// ECDSA verification that failed with an error, through OpenSSL; 0 when there was none. The EC
+// tests word their diagnostics by it and reset it. Set it with recordOpensslError.
+//
+// Its codes are laid out as OpenSSL's were before 3.0: library, function and reason. The two that
+// the tests ask for:
+inline constexpr unsigned long kPointIsNotOnCurve = 0x100B106B;
+inline constexpr unsigned long kBadSignature = 0x2A066064;
+extern unsigned long lastOpensslError;
+
+// recordOpensslError stores `code`, as ERR_get_error returned it, in lastOpensslError: the two
+// codes above in their old layout, every other one unchanged.
+void recordOpensslError(unsigned long code);
+
+// reportVerifyError takes the next code from OpenSSL's error queue (0 when it is empty), records
+// it, and prints "NAME failed!!(TEXT)" with the name of the operation and the library's text.
+void reportVerifyError(const char* operation);
+
+}  // namespace runner
+
+#endif  // RUNNER_SIG_OPENSSL_ERROR_H_
