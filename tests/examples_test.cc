@@ -21,6 +21,8 @@ struct Example {
 const Example kExamples[] = {
     {"aes-128-cbc-encryption", kCipherTests},
     {"aes-256-cbc-decryption", kCipherTests},
+    {"dsa-2048-256-sha-256-verification", "procVerify finish normally\n"},
+    {"rsa-2048-sha-256-verification", "procVerify finish normally\n"},
 };
 
 std::string example(const std::string& file) {

@@ -14,6 +14,8 @@
 #include "driver/request_header.h"
 #include "driver/test_files.h"
 #include "driver/text_helpers.h"
+#include "sig/dsa_verification_test.h"
+#include "sig/rsa_verification_test.h"
 
 namespace runner {
 namespace {
@@ -45,6 +47,11 @@ void reportCipherTest(const char* name, int result) {
   if (result >= 0) reportFinished(name);
 }
 
+// All other tests succeed with 0 only.
+void reportTest(const char* name, int result) {
+  if (result == 0) reportFinished(name);
+}
+
 void runCipherTests(const TestConfig& config, const char* requestPath, const char* responsePath) {
   reportCipherTest("procKAT_Text", procKAT_VarText(config, requestPath, responsePath, "Text"));
   reportCipherTest("procKAT_Key", procKAT_VarKey(config, requestPath, responsePath, "Key"));
@@ -52,6 +59,28 @@ void runCipherTests(const TestConfig& config, const char* requestPath, const cha
   reportCipherTest("procKAT_KeySbox", procKAT_VarKey(config, requestPath, responsePath, "KeySbox"));
   reportCipherTest("procMMT", procMMT(config, requestPath, responsePath));
   reportCipherTest("procMCT", procMCT(config, requestPath, responsePath));
+}
+
+using TestProcedure = int (*)(const TestConfig&, const char*, const char*);
+
+// chooseVerification returns the test for the algorithm and the form of the request; null when
+// there is none.
+TestProcedure chooseVerification(const TestConfig& config) {
+  const bool isValueList = (config.flags & FLAG_VALUE_LIST) != 0;
+  switch (config.mode) {
+    case ModeId::DSA:
+      return isValueList ? nullptr : procVerifyDsa;
+    case ModeId::RSASSA:
+      return procVerifyRsa;
+    default:
+      return nullptr;
+  }
+}
+
+void runVerification(const TestConfig& config, const char* requestPath, const char* responsePath) {
+  const TestProcedure procVerify = chooseVerification(config);
+  if (procVerify == nullptr) return;
+  reportTest("procVerify", procVerify(config, requestPath, responsePath));
 }
 
 }  // namespace
@@ -72,10 +101,12 @@ void runTests(const TestConfig& config, const char* requestPath, const char* res
     case TestFunction::DECRYPTION:
       runCipherTests(config, requestPath, responsePath);
       break;
+    case TestFunction::VERIFICATION:
+      runVerification(config, requestPath, responsePath);
+      break;
     case TestFunction::KEY_GENERATION:
     case TestFunction::PUBLIC_KEY_VALIDATION:
     case TestFunction::SIGN:
-    case TestFunction::VERIFICATION:
     case TestFunction::HASH:
     case TestFunction::MAC:
     case TestFunction::AEAD_ENCRYPTION:

@@ -50,4 +50,10 @@ int readSignatures(TestFiles& files, const KeyList& list, RecordList<KeyRecord>&
   return 0;
 }
 
+SignatureHalves splitSignature(const KeyRecord& record) {
+  const auto signature = record.signature.bytes();
+  const std::size_t half = signature.size() / 2;
+  return {.r = signature.first(half), .s = signature.subspan(half, half)};
+}
+
 }  // namespace runner

@@ -2,6 +2,8 @@
 #define RUNNER_SIG_KEY_RECORDS_H_
 
 #include <cstddef>
+#include <cstdint>
+#include <span>
 
 #include "driver/buffer.h"
 #include "driver/record_list.h"
@@ -13,6 +15,9 @@
 // order that the test has them. A list is a section with as many lines as were announced.
 
 namespace runner {
+
+// The line capacity of the signature tests.
+inline constexpr std::size_t kKeyLineCapacity = 1024;
 
 // KeyRecord is one signature to verify. Its buffers carry their lengths; the messages of one test
 // have the same length.
@@ -45,6 +50,16 @@ int readMessages(TestFiles& files, const KeyList& list, std::size_t length,
 // readSignatures reads and writes the signature of each record in the same way, each as long as its
 // digits say.
 int readSignatures(TestFiles& files, const KeyList& list, RecordList<KeyRecord>& records);
+
+// SignatureHalves are the two integers of a DSA or ECDSA signature.
+struct SignatureHalves {
+  std::span<const std::uint8_t> r;
+  std::span<const std::uint8_t> s;
+};
+
+// splitSignature returns the halves of the record's signature, which keeps owning them. The last
+// byte of an odd number of bytes belongs to neither.
+SignatureHalves splitSignature(const KeyRecord& record);
 
 }  // namespace runner
 

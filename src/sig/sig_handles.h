@@ -13,6 +13,7 @@
 #include <span>
 #include <type_traits>
 
+#include "driver/diagnostics.h"
 #include "sig/pubkey.h"
 
 // The engines' keys and numbers, owned, and what a PubKey stands for. For the adapters only.
@@ -50,6 +51,14 @@ inline gnutls_pubkey_t asGnutlsKey(PubKey key) { return reinterpret_cast<gnutls_
 inline DSA* asDsa(PubKey key) { return reinterpret_cast<DSA*>(key); }
 inline EC_KEY* asEcKey(PubKey key) { return reinterpret_cast<EC_KEY*>(key); }
 inline RSA* asRsa(PubKey key) { return reinterpret_cast<RSA*>(key); }
+
+// newGnutlsKey makes an empty key; null after the line "pubkey init failed!!".
+inline GnutlsKey newGnutlsKey() {
+  gnutls_pubkey_t key = nullptr;
+  if (gnutls_pubkey_init(&key) == 0) return GnutlsKey(key);
+  failWith("pubkey init failed!!");
+  return nullptr;
+}
 
 // bigNumber converts a big-endian unsigned integer; null when there is no memory.
 inline BigNumber bigNumber(std::span<const std::uint8_t> bytes) {

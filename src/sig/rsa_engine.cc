@@ -1,0 +1,66 @@
+#include "sig/rsa_engine.h"
+
+#include <cstdio>
+
+#include "driver/diagnostics.h"
+#include "sig/sig_handles.h"
+#include "sig/signature_primitives.h"
+
+namespace runner {
+namespace {
+
+int makeRsaKey_gnutls(OwnedPubKey& keyOut, std::span<const std::uint8_t> modulus,
+                      std::span<const std::uint8_t> exponent) {
+  GnutlsKey key = newGnutlsKey();
+  if (!key) return -1;
+  const gnutls_datum_t n = datum(modulus);
+  const gnutls_datum_t e = datum(exponent);
+  if (const int result = gnutls_pubkey_import_rsa_raw(key.get(), &n, &e); result != 0) {
+    std::printf("pubkey_import_rsa_raw failed!! ret:%d\n", result);
+    return -1;
+  }
+  keyOut.reset(toPubKey(key.release()));
+  return 0;
+}
+
+int makeRsaKey_openssl(OwnedPubKey& keyOut, std::span<const std::uint8_t> modulus,
+                       std::span<const std::uint8_t> exponent) {
+  RsaKey key(RSA_new());
+  if (!key) return failWith("creating RSA instance failed!!");
+  BigNumber n = bigNumber(modulus);
+  BigNumber e = bigNumber(exponent);
+  if (!n || !e) return -1;
+  if (RSA_set0_key(key.get(), n.get(), e.get(), nullptr) == 0) return -1;
+  (void)n.release();
+  (void)e.release();
+  keyOut.reset(toPubKey(key.release()));
+  return 0;
+}
+
+int verifyRsa_openssl(HashId hashId, PubKey key, std::span<const std::uint8_t> message,
+                      std::span<const std::uint8_t> signature) {
+  const auto digest = digestMessage(hashId, message);
+  if (!digest) return -1;
+  const int result = RSA_verify(digestNids[hashIndex(hashId)], digest->bytes.data(),
+                                static_cast<unsigned>(digest->length), signature.data(),
+                                static_cast<unsigned>(signature.size()), asRsa(key));
+  return result != 0 ? kVerified : kNotVerified;
+}
+
+}  // namespace
+
+int makeRsaKey(const CryptEngine& engine, OwnedPubKey& keyOut,
+               std::span<const std::uint8_t> modulus, std::span<const std::uint8_t> exponent) {
+  keyOut.reset();
+  return engine == CryptEngine::GNUTLS ? makeRsaKey_gnutls(keyOut, modulus, exponent)
+                                       : makeRsaKey_openssl(keyOut, modulus, exponent);
+}
+
+int verifyRsa(const TestConfig& config, PubKey key, std::span<const std::uint8_t> message,
+              std::span<const std::uint8_t> signature) {
+  return config.engine == CryptEngine::GNUTLS
+             ? verifyGnutls(config, key, message, signature)
+             : verifyRsa_openssl(config.hashId, key, message, signature);
+}
+
+}  // namespace runner
