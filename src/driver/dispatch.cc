@@ -14,6 +14,7 @@
 #include "driver/request_header.h"
 #include "driver/test_files.h"
 #include "driver/text_helpers.h"
+#include "sig/dsa_value_list_test.h"
 #include "sig/dsa_verification_test.h"
 #include "sig/rsa_verification_test.h"
 
@@ -69,7 +70,7 @@ TestProcedure chooseVerification(const TestConfig& config) {
   const bool isValueList = (config.flags & FLAG_VALUE_LIST) != 0;
   switch (config.mode) {
     case ModeId::DSA:
-      return isValueList ? nullptr : procVerifyDsa;
+      return isValueList ? procVerifyDsaRecords : procVerifyDsa;
     case ModeId::RSASSA:
       return procVerifyRsa;
     default:

@@ -1,0 +1,87 @@
+#include "sig/value_list_records.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include "driver/diagnostics.h"
+#include "driver/sections.h"
+#include "driver/text_helpers.h"
+
+namespace runner {
+namespace {
+
+constexpr std::size_t kLineCapacity = 128;
+constexpr std::size_t kCountCapacity = 128;
+
+void writeNamedValue(TestFiles& files, const char* name, std::span<const std::uint8_t> value) {
+  writeText(files.response.get(), name);
+  writeLowerHex(files.response.get(), value);
+}
+
+}  // namespace
+
+bool findGroup(TestFiles& files, std::span<const char* const> marks) {
+  std::array<char, kLineCapacity> buffer{};
+  while (const auto line = readLine(files.request.get(), buffer)) {
+    if (line->starts_with('#')) continue;
+    writeText(files.response.get(), *line);
+    const auto isInLine = [&line](const char* mark) {
+      return line->find(mark) != std::string_view::npos;
+    };
+    if (std::ranges::all_of(marks, isInLine)) return true;
+  }
+  return false;
+}
+
+int findRecord(TestFiles& files, int expected) {
+  std::array<char, kCountCapacity> count{};
+  while (const auto line = nextLine(files)) {
+    if (line->starts_with('#')) continue;
+    writeText(files.response.get(), *line);
+    if (getStr(*line, "COUNT = ?", count) == 0) continue;
+    if (decimal(count.data()) == expected) return 1;
+    std::printf("[ERR]count %d is not found!!\n", expected);
+    return -1;
+  }
+  return 0;
+}
+
+std::optional<std::string_view> nextNamedValue(TestFiles& files, const char* name, int site) {
+  const auto line = nextLine(files);
+  if (!line) {
+    std::printf("unexpected EOF!! (%d)\n", site);
+    return std::nullopt;
+  }
+  if (!line->starts_with(name)) {
+    std::printf("\"%s\" is not found!! (%d)\n%s\n", name, site, files.line.data());
+    return std::nullopt;
+  }
+  return line->substr(std::string_view(name).size());
+}
+
+int echoMessage(TestFiles& files, std::span<std::uint8_t> message, NamedValueSites sites) {
+  const auto digits = nextNamedValue(files, "Msg = ", sites.line);
+  if (!digits) return -1;
+  if (hexToBin(*digits, message) < 0) return failAt(sites.value);
+  writeNamedValue(files, "Msg = ", message);
+  return 0;
+}
+
+int echoRecordValue(TestFiles& files, const char* name, std::string_view text, RecordValue& value,
+                    int allocation, int site) {
+  value.length = measureHex(text);
+  if (value.length > value.storage.size() && !value.storage.allocate(value.length)) {
+    return mallocFailedAt(allocation);
+  }
+  const auto bytes = value.storage.bytes().first(value.length);
+  if (hexToBin(text, bytes) < 0) return failAt(site);
+  writeNamedValue(files, name, bytes);
+  return 0;
+}
+
+void writeVerdict(TestFiles& files, int result) {
+  writeLine(files.response.get(), result == 0 ? "Result = P" : "Result = F");
+}
+
+}  // namespace runner
