@@ -42,21 +42,6 @@ bool convertDigits(const char* digits, std::uint8_t* out, std::size_t count) {
   return invalid == 0;
 }
 
-// countHexDigits returns the number of hexadecimal digits at the start of `text`.
-std::size_t countHexDigits(std::string_view text) {
-  constexpr std::size_t kStride = 64;
-  std::size_t count = 0;
-  for (; count + kStride <= text.size(); count += kStride) {
-    std::uint8_t invalid = 0;
-    for (std::size_t i = 0; i < kStride; ++i) {
-      invalid |= static_cast<std::uint8_t>(!isHexDigit(static_cast<std::uint8_t>(text[count + i])));
-    }
-    if (invalid != 0) break;
-  }
-  while (count < text.size() && isHexDigit(static_cast<std::uint8_t>(text[count]))) ++count;
-  return count;
-}
-
 // reportIllegalData prints where `text` stops being hexadecimal, at character `digits`, and leaves
 // in `out` what was converted before it.
 int reportIllegalData(std::string_view text, std::size_t digits, std::span<std::uint8_t> out) {
@@ -149,6 +134,20 @@ int decimal(const char* text) { return static_cast<int>(std::strtol(text, nullpt
 
 std::size_t bytesForBits(int bits) {
   return bits <= 0 ? 0 : (static_cast<std::size_t>(bits) + 7) / 8;
+}
+
+std::size_t countHexDigits(std::string_view text) {
+  constexpr std::size_t kStride = 64;
+  std::size_t count = 0;
+  for (; count + kStride <= text.size(); count += kStride) {
+    std::uint8_t invalid = 0;
+    for (std::size_t i = 0; i < kStride; ++i) {
+      invalid |= static_cast<std::uint8_t>(!isHexDigit(static_cast<std::uint8_t>(text[count + i])));
+    }
+    if (invalid != 0) break;
+  }
+  while (count < text.size() && isHexDigit(static_cast<std::uint8_t>(text[count]))) ++count;
+  return count;
 }
 
 std::size_t measureHex(std::string_view text) { return (countHexDigits(text) + 1) / 2; }

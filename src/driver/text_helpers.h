@@ -43,6 +43,9 @@ int decimal(const char* text);
 // bytesForBits returns the number of bytes that hold `bits` bits, 0 for a negative number of bits.
 std::size_t bytesForBits(int bits);
 
+// countHexDigits returns the number of hexadecimal digits, of either case, at the start of `text`.
+std::size_t countHexDigits(std::string_view text);
+
 // measureHex returns the number of bytes that the hexadecimal digits at the start of `text` call
 // for: (d + 1) / 2 for d digits of either case. An odd number of digits then fails in hexToBin.
 std::size_t measureHex(std::string_view text);

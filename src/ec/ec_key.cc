@@ -1,0 +1,101 @@
+#include "ec/ec_key.h"
+
+#include <openssl/err.h>
+
+#include <array>
+#include <cstdio>
+#include <memory>
+
+#include "driver/diagnostics.h"
+#include "ec/curve_lookup.h"
+#include "ec/curve_state.h"
+#include "ec/curve_table.h"
+#include "sig/openssl_error.h"
+#include "sig/sig_handles.h"
+
+namespace runner {
+namespace {
+
+struct EcKeyDeleter {
+  void operator()(EC_KEY* key) const noexcept { EC_KEY_free(key); }
+};
+using EcKey = std::unique_ptr<EC_KEY, EcKeyDeleter>;
+
+struct EcGroupDeleter {
+  void operator()(EC_GROUP* group) const noexcept { EC_GROUP_free(group); }
+};
+using EcGroup = std::unique_ptr<EC_GROUP, EcGroupDeleter>;
+
+// recordQueuedErrors empties OpenSSL's error queue, with a line for each error.
+void recordQueuedErrors() {
+  std::array<char, 256> text{};
+  while (const unsigned long code = ERR_get_error()) {
+    recordOpensslError(code);
+    ERR_error_string_n(code, text.data(), text.size());
+    std::printf("  %s\n", text.data());
+  }
+}
+
+int importEcPoint_gnutls(OwnedPubKey& key, std::span<const std::uint8_t> x,
+                         std::span<const std::uint8_t> y, gnutls_ecc_curve_t curve) {
+  gnutls_pubkey_t raw = nullptr;
+  if (gnutls_pubkey_init(&raw) != 0) return failWith("pubkey init failed!!");
+  GnutlsKey imported(raw);
+  const gnutls_datum_t xDatum = datum(x);
+  const gnutls_datum_t yDatum = datum(y);
+  const int result = gnutls_pubkey_import_ecc_raw(imported.get(), curve, &xDatum, &yDatum);
+  if (result < 0) {
+    std::printf("pubkey_import_ecc_raw failed(%d)!!\n", result);
+    return -1;
+  }
+  key.reset(toPubKey(imported.release()));
+  return 0;
+}
+
+}  // namespace
+
+int importEcPublicKey(CryptEngine engine, OwnedPubKey& key, const EcParams& params) {
+  key.reset();
+  if (curveLookupPending != 0) {
+    curveId = findCurve(params);
+    std::printf("curveid: %d\n", curveId);
+  }
+  if (curveId < 0) return -1;
+  const auto point = splitPoint(params[SLOT_Q]);
+  if (!point) return failWith("Unsupported format of a public key!!");
+  return importEcPoint(engine, key, point->x, point->y, curveId);
+}
+
+int importEcPoint(CryptEngine engine, OwnedPubKey& key, std::span<const std::uint8_t> x,
+                  std::span<const std::uint8_t> y, int curveIndex) {
+  key.reset();
+  switch (engine) {
+    case CryptEngine::GNUTLS:
+      return importEcPoint_gnutls(key, x, y, gnutlsCurveIds[static_cast<std::size_t>(curveIndex)]);
+    case CryptEngine::OPENSSL:
+      return makeEcKey(key, x, y, curveIndex);
+    default:
+      return failWith("unsupported engine!!");
+  }
+}
+
+int makeEcKey(OwnedPubKey& key, std::span<const std::uint8_t> x, std::span<const std::uint8_t> y,
+              int curveIndex) {
+  key.reset();
+  EcKey made(EC_KEY_new());
+  if (!made) return failWith("EC_KEY_new failed!!");
+  const EcGroup group(EC_GROUP_new_by_curve_name(curveNids[static_cast<std::size_t>(curveIndex)]));
+  if (!group) return failWith("EC_GROUP_new failed!!");
+  if (EC_KEY_set_group(made.get(), group.get()) != 1) return failWith("EC_KEY_set_group failed!!");
+  const BigNumber xNumber = bigNumber(x);
+  const BigNumber yNumber = bigNumber(y);
+  if (EC_KEY_set_public_key_affine_coordinates(made.get(), xNumber.get(), yNumber.get()) != 1) {
+    failWith("EC_KEY_set_public_key failed!!");
+    recordQueuedErrors();
+    return -1;
+  }
+  key.reset(toPubKey(made.release()));
+  return 0;
+}
+
+}  // namespace runner

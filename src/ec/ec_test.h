@@ -1,0 +1,49 @@
+#ifndef RUNNER_EC_EC_TEST_H_
+#define RUNNER_EC_EC_TEST_H_
+
+#include <array>
+#include <cstddef>
+
+#include "driver/buffer.h"
+#include "driver/sections.h"
+#include "driver/test_files.h"
+#include "ec/ec_params.h"
+
+// What the EC test procedures have in common.
+
+namespace runner {
+
+// The bracket-form EC tests read lines of at most 1023 characters.
+inline constexpr std::size_t kEcLineCapacity = 1024;
+
+// EcDomain holds the domain parameters of a test.
+struct EcDomain {
+  std::array<Buffer, SLOT_COUNT> values;
+  EcParams params;  // the values; the test puts each of its keys into SLOT_Q
+};
+
+// The failure numbers of the section "[Domain Parameter]".
+struct DomainSites {
+  int section;
+  ValueSites value;  // of p, a, b, G and n
+  int cofactorAllocation;
+};
+
+// readDomain finds "[Domain Parameter]", reads and writes the section: p, a, b, G and n in
+// hexadecimal, each as long as its digits say, then h, of which the hexadecimal digits at the start
+// of the line are kept as text. A value that cannot be converted prints its failure and the next
+// ones are read all the same. Returns 0 when all six stand in `domain`, otherwise -1.
+int readDomain(TestFiles& files, EcDomain& domain, const DomainSites& sites);
+
+// takeKeyComplaint returns what OpenSSL's refusal of a key means, by lastOpensslError, which it
+// sets to 0: "illegal public key?", "bad signature?" or "something wrong?".
+const char* takeKeyComplaint();
+
+// scoreRefusedKey is the result of key `index`, which could not be imported. With OpenSSL the key
+// is not valid: it prints "KEY%d: COMPLAINT" and returns 1. With any other engine the test cannot
+// go on: it prints "KEY%d: err happens!! (SITE)" and returns -1.
+int scoreRefusedKey(CryptEngine engine, int index, int site);
+
+}  // namespace runner
+
+#endif  // RUNNER_EC_EC_TEST_H_
