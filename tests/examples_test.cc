@@ -22,6 +22,8 @@ const Example kExamples[] = {
     {"aes-128-cbc-encryption", kCipherTests},
     {"aes-256-cbc-decryption", kCipherTests},
     {"dsa-2048-256-sha-256-verification", "procVerify finish normally\n"},
+    {"ecdsa-p-256-public-key-validation", "curveid: 2\nprocChkPublicKey finish normally\n"},
+    {"ecdsa-p-256-sha-256-verification", "curveid: 2\nprocVerify finish normally\n"},
     {"rsa-2048-sha-256-verification", "procVerify finish normally\n"},
 };
 

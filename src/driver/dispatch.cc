@@ -14,6 +14,8 @@
 #include "driver/request_header.h"
 #include "driver/test_files.h"
 #include "driver/text_helpers.h"
+#include "ec/ecdsa_verification_test.h"
+#include "ec/public_key_validation_test.h"
 #include "sig/dsa_value_list_test.h"
 #include "sig/dsa_verification_test.h"
 #include "sig/rsa_verification_test.h"
@@ -71,6 +73,8 @@ TestProcedure chooseVerification(const TestConfig& config) {
   switch (config.mode) {
     case ModeId::DSA:
       return isValueList ? procVerifyDsaRecords : procVerifyDsa;
+    case ModeId::ECDSA:
+      return isValueList ? nullptr : procVerifyEcdsa;
     case ModeId::RSASSA:
       return procVerifyRsa;
     default:
@@ -102,11 +106,13 @@ void runTests(const TestConfig& config, const char* requestPath, const char* res
     case TestFunction::DECRYPTION:
       runCipherTests(config, requestPath, responsePath);
       break;
+    case TestFunction::PUBLIC_KEY_VALIDATION:
+      reportTest("procChkPublicKey", procChkPublicKey(config, requestPath, responsePath));
+      break;
     case TestFunction::VERIFICATION:
       runVerification(config, requestPath, responsePath);
       break;
     case TestFunction::KEY_GENERATION:
-    case TestFunction::PUBLIC_KEY_VALIDATION:
     case TestFunction::SIGN:
     case TestFunction::HASH:
     case TestFunction::MAC:

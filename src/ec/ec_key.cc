@@ -36,26 +36,25 @@ void recordQueuedErrors() {
   }
 }
 
-int importEcPoint_gnutls(OwnedPubKey& key, std::span<const std::uint8_t> x,
+int importEcPoint_gnutls(OwnedPubKey& keyOut, std::span<const std::uint8_t> x,
                          std::span<const std::uint8_t> y, gnutls_ecc_curve_t curve) {
-  gnutls_pubkey_t raw = nullptr;
-  if (gnutls_pubkey_init(&raw) != 0) return failWith("pubkey init failed!!");
-  GnutlsKey imported(raw);
+  GnutlsKey key = newGnutlsKey();
+  if (!key) return -1;
   const gnutls_datum_t xDatum = datum(x);
   const gnutls_datum_t yDatum = datum(y);
-  const int result = gnutls_pubkey_import_ecc_raw(imported.get(), curve, &xDatum, &yDatum);
+  const int result = gnutls_pubkey_import_ecc_raw(key.get(), curve, &xDatum, &yDatum);
   if (result < 0) {
     std::printf("pubkey_import_ecc_raw failed(%d)!!\n", result);
     return -1;
   }
-  key.reset(toPubKey(imported.release()));
+  keyOut.reset(toPubKey(key.release()));
   return 0;
 }
 
 }  // namespace
 
-int importEcPublicKey(CryptEngine engine, OwnedPubKey& key, const EcParams& params) {
-  key.reset();
+int importEcPublicKey(CryptEngine engine, OwnedPubKey& keyOut, const EcParams& params) {
+  keyOut.reset();
   if (curveLookupPending != 0) {
     curveId = findCurve(params);
     std::printf("curveid: %d\n", curveId);
@@ -63,38 +62,39 @@ int importEcPublicKey(CryptEngine engine, OwnedPubKey& key, const EcParams& para
   if (curveId < 0) return -1;
   const auto point = splitPoint(params[SLOT_Q]);
   if (!point) return failWith("Unsupported format of a public key!!");
-  return importEcPoint(engine, key, point->x, point->y, curveId);
+  return importEcPoint(engine, keyOut, point->x, point->y, curveId);
 }
 
-int importEcPoint(CryptEngine engine, OwnedPubKey& key, std::span<const std::uint8_t> x,
+int importEcPoint(CryptEngine engine, OwnedPubKey& keyOut, std::span<const std::uint8_t> x,
                   std::span<const std::uint8_t> y, int curveIndex) {
-  key.reset();
+  keyOut.reset();
   switch (engine) {
     case CryptEngine::GNUTLS:
-      return importEcPoint_gnutls(key, x, y, gnutlsCurveIds[static_cast<std::size_t>(curveIndex)]);
+      return importEcPoint_gnutls(keyOut, x, y,
+                                  gnutlsCurveIds[static_cast<std::size_t>(curveIndex)]);
     case CryptEngine::OPENSSL:
-      return makeEcKey(key, x, y, curveIndex);
+      return makeEcKey(keyOut, x, y, curveIndex);
     default:
       return failWith("unsupported engine!!");
   }
 }
 
-int makeEcKey(OwnedPubKey& key, std::span<const std::uint8_t> x, std::span<const std::uint8_t> y,
+int makeEcKey(OwnedPubKey& keyOut, std::span<const std::uint8_t> x, std::span<const std::uint8_t> y,
               int curveIndex) {
-  key.reset();
-  EcKey made(EC_KEY_new());
-  if (!made) return failWith("EC_KEY_new failed!!");
+  keyOut.reset();
+  EcKey key(EC_KEY_new());
+  if (!key) return failWith("EC_KEY_new failed!!");
   const EcGroup group(EC_GROUP_new_by_curve_name(curveNids[static_cast<std::size_t>(curveIndex)]));
   if (!group) return failWith("EC_GROUP_new failed!!");
-  if (EC_KEY_set_group(made.get(), group.get()) != 1) return failWith("EC_KEY_set_group failed!!");
+  if (EC_KEY_set_group(key.get(), group.get()) != 1) return failWith("EC_KEY_set_group failed!!");
   const BigNumber xNumber = bigNumber(x);
   const BigNumber yNumber = bigNumber(y);
-  if (EC_KEY_set_public_key_affine_coordinates(made.get(), xNumber.get(), yNumber.get()) != 1) {
+  if (EC_KEY_set_public_key_affine_coordinates(key.get(), xNumber.get(), yNumber.get()) != 1) {
     failWith("EC_KEY_set_public_key failed!!");
     recordQueuedErrors();
     return -1;
   }
-  key.reset(toPubKey(made.release()));
+  keyOut.reset(toPubKey(key.release()));
   return 0;
 }
 

@@ -8,8 +8,8 @@
 #include "ec/ec_params.h"
 #include "sig/pubkey.h"
 
-// EC public keys of the engines. Each operation here fills `key` and returns 0, or leaves it null
-// and returns -1. Coordinates are big-endian numbers; a curve index is one of curveTable.
+// EC public keys of the engines. Each operation here fills `keyOut` and returns 0, or leaves it
+// null and returns -1. Coordinates are big-endian numbers; a curve index is one of curveTable.
 
 namespace runner {
 
@@ -17,18 +17,18 @@ namespace runner {
 // first sets curveId to the curve that findCurve finds in the other slots, which it does not look
 // at otherwise, and prints "curveid: %d". Without a curve it fails in silence; a point that is not
 // uncompressed prints "Unsupported format of a public key!!"; for the rest see importEcPoint.
-int importEcPublicKey(CryptEngine engine, OwnedPubKey& key, const EcParams& params);
+int importEcPublicKey(CryptEngine engine, OwnedPubKey& keyOut, const EcParams& params);
 
 // importEcPoint makes the key of the point (x, y). GnuTLS takes points off the curve too, but none
 // with an empty or a zero coordinate, and prints "pubkey_import_ecc_raw failed(%d)!!" with its
 // code. OpenSSL is makeEcKey. Any other engine prints "unsupported engine!!".
-int importEcPoint(CryptEngine engine, OwnedPubKey& key, std::span<const std::uint8_t> x,
+int importEcPoint(CryptEngine engine, OwnedPubKey& keyOut, std::span<const std::uint8_t> x,
                   std::span<const std::uint8_t> y, int curveIndex);
 
 // makeEcKey makes OpenSSL's key of the point (x, y), which must lie on the curve. A refused point
 // prints "EC_KEY_set_public_key failed!!" and the library's queued errors, two blanks and the text
 // a line; lastOpensslError is left at the last of them.
-int makeEcKey(OwnedPubKey& key, std::span<const std::uint8_t> x, std::span<const std::uint8_t> y,
+int makeEcKey(OwnedPubKey& keyOut, std::span<const std::uint8_t> x, std::span<const std::uint8_t> y,
               int curveIndex);
 
 }  // namespace runner

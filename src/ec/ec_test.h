@@ -2,19 +2,16 @@
 #define RUNNER_EC_EC_TEST_H_
 
 #include <array>
-#include <cstddef>
 
 #include "driver/buffer.h"
 #include "driver/sections.h"
+#include "driver/test_config.h"
 #include "driver/test_files.h"
 #include "ec/ec_params.h"
 
 // What the EC test procedures have in common.
 
 namespace runner {
-
-// The bracket-form EC tests read lines of at most 1023 characters.
-inline constexpr std::size_t kEcLineCapacity = 1024;
 
 // EcDomain holds the domain parameters of a test.
 struct EcDomain {

@@ -8,7 +8,7 @@
 #include "ec/curve_state.h"
 #include "ec/ec_key.h"
 #include "ec/ec_test.h"
-#include "ec/ecdsa.h"
+#include "ec/ecdsa_engine.h"
 #include "sig/key_records.h"
 
 namespace runner {
@@ -36,10 +36,8 @@ int verifyRecord(const TestConfig& config, EcParams& params, const KeyRecord& re
   if (importEcPublicKey(config.engine, key, params) < 0) {
     return scoreRefusedKey(config.engine, index, 5088);
   }
-  const auto signature = record.signature.bytes();
-  const std::size_t half = signature.size() / 2;
-  return verifyEcdsa(config, key.get(), record.message.bytes(), signature.first(half),
-                     signature.subspan(half, half));
+  const SignatureHalves halves = splitSignature(record);
+  return verifyEcdsa(config, key.get(), record.message.bytes(), halves.r, halves.s);
 }
 
 int verifyRecords(const TestConfig& config, TestFiles& files, EcParams& params,
@@ -76,7 +74,7 @@ int runTest(const TestConfig& config, TestFiles& files) {
 }  // namespace
 
 int procVerifyEcdsa(const TestConfig& config, const char* requestPath, const char* responsePath) {
-  std::array<char, kEcLineCapacity> line{};
+  std::array<char, kKeyLineCapacity> line{};
   TestFiles files{.line = line};
   if (openFiles(files, requestPath, responsePath) < 0) return -1;
   const int result = runTest(config, files);

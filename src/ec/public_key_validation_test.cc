@@ -1,16 +1,15 @@
 #include "ec/public_key_validation_test.h"
 
 #include <array>
-#include <cstdio>
 #include <vector>
 
-#include "driver/diagnostics.h"
 #include "driver/sections.h"
 #include "driver/text_helpers.h"
 #include "ec/curve_state.h"
 #include "ec/ec_key.h"
 #include "ec/ec_test.h"
 #include "ec/point_check.h"
+#include "sig/key_records.h"
 
 namespace runner {
 namespace {
@@ -65,7 +64,7 @@ int runTest(const TestConfig& config, TestFiles& files) {
 }  // namespace
 
 int procChkPublicKey(const TestConfig& config, const char* requestPath, const char* responsePath) {
-  std::array<char, kEcLineCapacity> line{};
+  std::array<char, kKeyLineCapacity> line{};
   TestFiles files{.line = line};
   if (openFiles(files, requestPath, responsePath) < 0) return -1;
   const int result = runTest(config, files);

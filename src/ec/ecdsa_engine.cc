@@ -1,4 +1,4 @@
-#include "ec/ecdsa.h"
+#include "ec/ecdsa_engine.h"
 
 #include <memory>
 

@@ -1,5 +1,5 @@
-#ifndef RUNNER_EC_ECDSA_H_
-#define RUNNER_EC_ECDSA_H_
+#ifndef RUNNER_EC_ECDSA_ENGINE_H_
+#define RUNNER_EC_ECDSA_ENGINE_H_
 
 #include <openssl/ec.h>
 
@@ -30,4 +30,4 @@ int ecdsa_verify_openssl(HashId hashId, EC_KEY* key, std::span<const std::uint8_
 
 }  // namespace runner
 
-#endif  // RUNNER_EC_ECDSA_H_
+#endif  // RUNNER_EC_ECDSA_ENGINE_H_
