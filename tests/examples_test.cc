@@ -13,6 +13,13 @@ const char* const kCipherTests =
     "procKAT_Text finish normally\nprocKAT_Key finish normally\nprocKAT_GFSbox finish normally\n"
     "procKAT_KeySbox finish normally\nprocMMT finish normally\nprocMCT finish normally\n";
 
+const char* const kValueListDsa =
+    "function    : Verification\nhash: 256\nrequest size : 128\nmessage num : 6\n"
+    "procVerify finish normally\n";
+const char* const kValueListEcdsa =
+    "function    : Verification\nhash: 256\nrequest size : 128\nmessage num : 6\n"
+    "curveid: 2\nprocVerify finish normally\n";
+
 struct Example {
   const char* name;
   const char* console;
@@ -22,8 +29,10 @@ const Example kExamples[] = {
     {"aes-128-cbc-encryption", kCipherTests},
     {"aes-256-cbc-decryption", kCipherTests},
     {"dsa-2048-256-sha-256-verification", "procVerify finish normally\n"},
+    {"dsa-2048-256-value-list", kValueListDsa},
     {"ecdsa-p-256-public-key-validation", "curveid: 2\nprocChkPublicKey finish normally\n"},
     {"ecdsa-p-256-sha-256-verification", "curveid: 2\nprocVerify finish normally\n"},
+    {"ecdsa-p-256-value-list", kValueListEcdsa},
     {"rsa-2048-sha-256-verification", "procVerify finish normally\n"},
 };
 

@@ -14,6 +14,7 @@
 #include "driver/request_header.h"
 #include "driver/test_files.h"
 #include "driver/text_helpers.h"
+#include "ec/ecdsa_value_list_test.h"
 #include "ec/ecdsa_verification_test.h"
 #include "ec/public_key_validation_test.h"
 #include "sig/dsa_value_list_test.h"
@@ -74,7 +75,7 @@ TestProcedure chooseVerification(const TestConfig& config) {
     case ModeId::DSA:
       return isValueList ? procVerifyDsaRecords : procVerifyDsa;
     case ModeId::ECDSA:
-      return isValueList ? nullptr : procVerifyEcdsa;
+      return isValueList ? procVerifyEcdsaRecords : procVerifyEcdsa;
     case ModeId::RSASSA:
       return procVerifyRsa;
     default:

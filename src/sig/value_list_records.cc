@@ -12,7 +12,7 @@ namespace runner {
 namespace {
 
 constexpr std::size_t kLineCapacity = 128;
-constexpr std::size_t kCountCapacity = 128;
+constexpr std::size_t kNumberCapacity = 128;
 
 void writeNamedValue(TestFiles& files, const char* name, std::span<const std::uint8_t> value) {
   writeText(files.response.get(), name);
@@ -34,13 +34,15 @@ bool findGroup(TestFiles& files, std::span<const char* const> marks) {
   return false;
 }
 
-int findRecord(TestFiles& files, int expected) {
-  std::array<char, kCountCapacity> count{};
+int findRecord(TestFiles& files, int expected, int count) {
+  // A count below 1 is that of no group: such a group goes on to the end of the file.
+  if (expected > 0 && expected == count) return 0;
+  std::array<char, kNumberCapacity> number{};
   while (const auto line = nextLine(files)) {
     if (line->starts_with('#')) continue;
     writeText(files.response.get(), *line);
-    if (getStr(*line, "COUNT = ?", count) == 0) continue;
-    if (decimal(count.data()) == expected) return 1;
+    if (getStr(*line, "COUNT = ?", number) == 0) continue;
+    if (decimal(number.data()) == expected) return 1;
     std::printf("[ERR]count %d is not found!!\n", expected);
     return -1;
   }
@@ -68,15 +70,30 @@ int echoMessage(TestFiles& files, std::span<std::uint8_t> message, NamedValueSit
   return 0;
 }
 
-int echoRecordValue(TestFiles& files, const char* name, std::string_view text, RecordValue& value,
-                    int allocation, int site) {
-  value.length = measureHex(text);
+int allocateValues(std::initializer_list<RecordValue*> values) {
+  for (RecordValue* const value : values) {
+    if (!value->storage.allocate(sizeOf(value->expected))) return mallocFailedAt(value->allocation);
+  }
+  return 0;
+}
+
+int echoValue(TestFiles& files, RecordValue& value, std::string_view digits, int site) {
+  value.length = measureHex(digits);
   if (value.length > value.storage.size() && !value.storage.allocate(value.length)) {
-    return mallocFailedAt(allocation);
+    return mallocFailedAt(value.allocation);
   }
   const auto bytes = value.storage.bytes().first(value.length);
-  if (hexToBin(text, bytes) < 0) return failAt(site);
-  writeNamedValue(files, name, bytes);
+  if (hexToBin(digits, bytes) < 0) return failAt(site);
+  writeNamedValue(files, value.name, bytes);
+  return 0;
+}
+
+int echoValues(TestFiles& files, std::initializer_list<RecordValue*> values,
+               NamedValueSites sites) {
+  for (RecordValue* const value : values) {
+    const auto digits = nextNamedValue(files, value->name, sites.line);
+    if (!digits || echoValue(files, *value, *digits, sites.value) < 0) return -1;
+  }
   return 0;
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -34,10 +35,13 @@ struct NamedValueSites {
   int value;  // its digits cannot be converted
 };
 
-// RecordValue holds a value whose length each of its lines decides. The storage is kept from line
-// to line and grows only when a value is longer than all before it.
+// RecordValue is a named value whose length each of its lines decides. The storage is kept from
+// line to line and grows only when a value is longer than all before it.
 struct RecordValue {
-  Buffer storage;
+  const char* name;  // the line up to the digits ("R = ")
+  int expected;      // the length for which the storage is allocated at first, in bytes
+  int allocation;    // the failure number of the storage
+  Buffer storage{};
   std::size_t length = 0;
 
   [[nodiscard]] std::span<const std::uint8_t> bytes() const {
@@ -55,9 +59,10 @@ constexpr std::size_t sizeOf(int length) {
 bool findGroup(TestFiles& files, std::span<const char* const> marks);
 
 // findRecord copies lines up to and including the next COUNT line. Returns 1 when it has the number
-// `expected`, 0 when the file ends first. Otherwise it prints "[ERR]count %d is not found!!" with
-// `expected` and returns -1.
-int findRecord(TestFiles& files, int expected);
+// `expected`, and 0 when the group ends: at the end of the file, and without reading on after
+// `count` records. Otherwise it prints "[ERR]count %d is not found!!" with `expected` and returns
+// -1.
+int findRecord(TestFiles& files, int expected, int count);
 
 // nextNamedValue reads the next line and returns what follows `name` ("Msg = ") there. It returns
 // nothing after "unexpected EOF!! (SITE)" at the end of the file, and after
@@ -68,11 +73,17 @@ std::optional<std::string_view> nextNamedValue(TestFiles& files, const char* nam
 // and writes it. Returns 0, or -1 after the failure line.
 int echoMessage(TestFiles& files, std::span<std::uint8_t> message, NamedValueSites sites);
 
-// echoRecordValue converts the digits at the start of `text` into `value` and writes it under
-// `name`. Returns 0, or -1 after the failure line: "malloc err!! (ALLOCATION)" when `value` cannot
-// grow, or that of `site`.
-int echoRecordValue(TestFiles& files, const char* name, std::string_view text, RecordValue& value,
-                    int allocation, int site);
+// allocateValues gives each value storage for its expected length. Returns 0, or -1 after
+// "malloc err!! (ALLOCATION)".
+int allocateValues(std::initializer_list<RecordValue*> values);
+
+// echoValue converts the digits at the start of `digits`, which stand on the line of `value`, into
+// it and writes it. Returns 0, or -1 after the failure line: that of `site`, or of the allocation
+// when the storage cannot grow.
+int echoValue(TestFiles& files, RecordValue& value, std::string_view digits, int site);
+
+// echoValues reads the lines of these values, in this order, each as echoValue does.
+int echoValues(TestFiles& files, std::initializer_list<RecordValue*> values, NamedValueSites sites);
 
 // writeVerdict writes the result line of a record: "P" when `result`, that of its verification, is
 // 0, and "F" for any other.
