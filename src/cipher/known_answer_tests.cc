@@ -81,7 +81,7 @@ void writeInputSection(const KatTest& test) {
 }
 
 void writeIvSection(const KatTest& test) {
-  if (test.config.mode != ModeId::CBC) return;
+  if (!isCbc(test.config)) return;
   writeLine(test.files.response.get(), test.keys.iv.data());
   writeBlockHex(test.files.response.get(), zeroBlock);
 }

@@ -31,7 +31,7 @@ std::span<std::uint8_t, kBlockLength> blockOf(Buffer& buffer) {
 
 void copyBlock(std::span<const std::uint8_t, kBlockLength> from,
                std::span<std::uint8_t, kBlockLength> to) {
-  std::ranges::copy(from, to.begin());
+  std::copy_n(from.data(), kBlockLength, to.data());
 }
 
 int readParameters(const TestConfig& config, TestFiles& files, MonteCarlo& state) {
@@ -46,7 +46,7 @@ int readParameters(const TestConfig& config, TestFiles& files, MonteCarlo& state
       echoHexSection(files, textKey, blockOf(state.text), {.section = 2481, .value = 2484}) < 0) {
     return -1;
   }
-  if (config.mode != ModeId::CBC) return 0;
+  if (!isCbc(config)) return 0;
   return echoHexSection(files, "[Initial IV for MCT]", state.iv, {.section = 2490, .value = 2493});
 }
 
@@ -54,7 +54,7 @@ int readParameters(const TestConfig& config, TestFiles& files, MonteCarlo& state
 void chain(const TestConfig& config, MonteCarlo& state, int step) {
   const auto text = blockOf(state.text);
   const auto output = blockOf(state.output);
-  if (config.mode == ModeId::ECB) {
+  if (!isCbc(config)) {
     copyBlock(output, text);
   } else if (isEncryption(config)) {
     copyBlock(state.iv, text);

@@ -56,7 +56,7 @@ int runTest(const TestConfig& config, TestFiles& files) {
       isEncryption(config) ? "[Plaintext for MMT]" : "[Ciphertext for MMT]";
   if (readBlockCount(files, blocks) < 0) return -1;
   if (echoHexSection(files, "[Key for MMT]", key, {.section = 2360, .value = 2363}) < 0) return -1;
-  if (config.mode == ModeId::CBC &&
+  if (isCbc(config) &&
       echoHexSection(files, "[IV for MMT]", iv, {.section = 2369, .value = 2372}) < 0) {
     return -1;
   }

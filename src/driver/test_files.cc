@@ -1,15 +1,28 @@
 #include "driver/test_files.h"
 
+#include <new>
 #include <utility>
 
 #include "driver/diagnostics.h"
 
 namespace runner {
+namespace {
+
+// openStream opens a file with a buffer that it allocates; without memory for one the stream keeps
+// the C library's.
+FileHandle openStream(const char* path, const char* mode, std::unique_ptr<StreamBuffer>& buffer) {
+  FileHandle file(std::fopen(path, mode));
+  buffer.reset(file ? new (std::nothrow) StreamBuffer : nullptr);
+  if (buffer) std::setvbuf(file.get(), buffer->data(), _IOFBF, buffer->size());
+  return file;
+}
+
+}  // namespace
 
 int openFiles(TestFiles& files, const char* requestPath, const char* responsePath) {
-  files.request.reset(std::fopen(requestPath, "r"));
+  files.request = openStream(requestPath, "r", files.requestBuffer);
   if (!files.request) return failOpening(requestPath);
-  files.response.reset(std::fopen(responsePath, "a"));
+  files.response = openStream(responsePath, "a", files.responseBuffer);
   if (!files.response) {
     files.request.reset();
     return failOpening(responsePath);

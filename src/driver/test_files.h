@@ -1,6 +1,7 @@
 #ifndef RUNNER_DRIVER_TEST_FILES_H_
 #define RUNNER_DRIVER_TEST_FILES_H_
 
+#include <array>
 #include <cstdio>
 #include <memory>
 #include <span>
@@ -15,9 +16,15 @@ struct FileCloser {
 // written to is closed with closeWritten.
 using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 
+// StreamBuffer is what a stream reads ahead or holds back: larger than the C library's own, because
+// requests and responses have lines of many megabytes.
+using StreamBuffer = std::array<char, 262144>;
+
 // TestFiles holds the two files of a test procedure while it runs, and the buffer into which it
 // reads lines: its size is the line capacity, and the procedure owns it.
 struct TestFiles {
+  std::unique_ptr<StreamBuffer> requestBuffer{};  // outlives its stream
+  std::unique_ptr<StreamBuffer> responseBuffer{};
   FileHandle request{};
   FileHandle response{};
   std::span<char> line{};
