@@ -1,12 +1,34 @@
 #include "side_by_side.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <vector>
 
 namespace {
+
+// SilentConsole discards what this process writes to standard output.
+class SilentConsole {
+ public:
+  SilentConsole() : console_(dup(STDOUT_FILENO)) { redirect(open("/dev/null", O_WRONLY)); }
+  ~SilentConsole() { redirect(console_); }
+  SilentConsole(const SilentConsole&) = delete;
+  SilentConsole& operator=(const SilentConsole&) = delete;
+
+ private:
+  static void redirect(int target) {
+    std::fflush(stdout);
+    dup2(target, STDOUT_FILENO);
+    close(target);
+  }
+
+  int console_;
+};
 
 double secondsOf(const std::function<void()>& work) {
   const auto start = std::chrono::steady_clock::now();
@@ -45,6 +67,7 @@ void WorkFiles::removeOutputs() const {
 
 void compare(benchmark::State& state, const std::function<void()>& prepare,
              const std::function<void()>& bare, const std::function<void()>& whole) {
+  const SilentConsole silence;
   std::vector<double> bareSeconds;
   std::vector<double> wholeSeconds;
   for (auto iteration : state) {

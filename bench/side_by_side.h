@@ -36,7 +36,7 @@ class WorkFiles {
 
 // compare runs `bare` and `whole` by turns and reports the time of `whole`, the median of each in
 // milliseconds as the counters "whole" and "bare", and their quotient as the counter "ratio".
-// `prepare` runs before each of them and is not measured.
+// `prepare` runs before each of them and is not measured. Standard output is discarded meanwhile.
 void compare(benchmark::State& state, const std::function<void()>& prepare,
              const std::function<void()>& bare, const std::function<void()>& whole);
 

@@ -36,10 +36,6 @@ const Example kExamples[] = {
     {"rsa-2048-sha-256-verification", "procVerify finish normally\n"},
 };
 
-std::string example(const std::string& file) {
-  return readFile(std::string(RUNNER_EXAMPLES) + "/" + file);
-}
-
 TEST(Examples, GiveTheirPublishedAnswers) {
   for (const Example& row : kExamples) {
     SCOPED_TRACE(row.name);

@@ -41,8 +41,8 @@ void writeFile(const std::string& path, std::string_view content) {
   std::ofstream(path, std::ios::binary) << content;
 }
 
-Outcome runCommand(const std::vector<std::string>& arguments) {
-  std::string command = RUNNER_BINARY;
+Outcome runCommand(const std::vector<std::string>& arguments, const std::string& program) {
+  std::string command = program;
   for (const std::string& argument : arguments) command += " '" + argument + "'";
   Outcome outcome;
   std::FILE* const pipe = popen(command.c_str(), "r");  // NOLINT(cert-env33-c): own command
@@ -56,10 +56,10 @@ Outcome runCommand(const std::vector<std::string>& arguments) {
   return outcome;
 }
 
-Outcome runBinary(std::string_view request) {
+Outcome runBinary(std::string_view request, const std::string& program) {
   const TempDir dir;
   writeFile(dir.file("request"), request);
-  Outcome outcome = runCommand({dir.file("request"), dir.file("response")});
+  Outcome outcome = runCommand({dir.file("request"), dir.file("response")}, program);
   outcome.response = withoutDate(readFile(dir.file("response")));
   return outcome;
 }
@@ -97,6 +97,14 @@ std::string lastLines(const std::string& text, int count) {
     start = newline == std::string::npos ? 0 : newline + 1;
   }
   return text.substr(start);
+}
+
+std::string fromHere(const std::string& text, const std::string& start) {
+  return text.substr(text.find(start));
+}
+
+std::string example(const std::string& file) {
+  return readFile(std::string(RUNNER_EXAMPLES) + "/" + file);
 }
 
 std::vector<std::uint8_t> fromHex(std::string_view text) {

@@ -33,11 +33,13 @@ struct Outcome {
   std::string response;  // without its date line, if it began with one
 };
 
-// runCommand runs the built program with these arguments and returns its exit status and console.
-Outcome runCommand(const std::vector<std::string>& arguments);
+// runCommand runs a program, the built one if none is named, with these arguments and returns its
+// exit status and console.
+Outcome runCommand(const std::vector<std::string>& arguments,
+                   const std::string& program = RUNNER_BINARY);
 
-// runBinary runs the built program on a request with this text.
-Outcome runBinary(std::string_view request);
+// runBinary runs it on a request with this text.
+Outcome runBinary(std::string_view request, const std::string& program = RUNNER_BINARY);
 
 // runInProcess parses the request and runs its tests through `engine` in this process. The response
 // lacks the program's own three lines.
@@ -50,6 +52,12 @@ std::string edited(std::string_view text, std::string_view from, std::string_vie
 
 // lastLines returns the last `count` lines of `text`.
 std::string lastLines(const std::string& text, int count);
+
+// fromHere returns the rest of `text` from `start` on, which must be in it.
+std::string fromHere(const std::string& text, const std::string& start);
+
+// example returns the content of the example file NAME.req or NAME.rsp.
+std::string example(const std::string& file);
 
 // fromHex converts hexadecimal text to bytes.
 std::vector<std::uint8_t> fromHex(std::string_view text);

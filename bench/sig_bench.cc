@@ -1,0 +1,174 @@
+#include <benchmark/benchmark.h>
+#include <gnutls/abstract.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "driver/test_config.h"
+#include "driver/text_helpers.h"
+#include "side_by_side.h"
+#include "sig/dsa_verification_test.h"
+#include "sig/rsa_verification_test.h"
+#include "sig/signature_primitives.h"
+
+// The signature tests beside the engine's own work: making the key, verifying, releasing the key.
+// The signatures are those of the examples, repeated.
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+using Lines = std::vector<std::string>;
+
+// exampleLines returns the lines of a section of an example request.
+Lines exampleLines(const std::string& name, const std::string& key) {
+  std::ifstream file(std::string(RUNNER_EXAMPLES) + "/" + name + ".req");
+  Lines lines;
+  std::string line;
+  while (std::getline(file, line) && line != key) continue;
+  while (std::getline(file, line) && !line.starts_with('[')) lines.push_back(line);
+  if (lines.empty()) std::abort();
+  return lines;
+}
+
+// repeated writes `count` lines, the given ones over and over.
+std::string repeated(const Lines& lines, int count) {
+  std::string text;
+  for (int i = 0; i < count; ++i) text += lines[static_cast<std::size_t>(i) % lines.size()] + "\n";
+  return text;
+}
+
+std::vector<Bytes> converted(const Lines& lines) {
+  std::vector<Bytes> values;
+  for (const std::string& line : lines) {
+    values.emplace_back(line.size() / 2);
+    if (runner::hexToBin(line, values.back()) < 0) std::abort();
+  }
+  return values;
+}
+
+gnutls_datum_t lent(Bytes& bytes) { return {bytes.data(), static_cast<unsigned>(bytes.size())}; }
+
+runner::TestConfig verificationConfig(runner::ModeId mode) {
+  return {.testFunction = runner::TestFunction::VERIFICATION,
+          .mode = mode,
+          .hashId = runner::HashId::SHA256};
+}
+
+void rsaVerification(benchmark::State& state) {
+  const auto count = static_cast<int>(state.range(0));
+  const std::string name = "rsa-2048-sha-256-verification";
+  const Lines modulus = exampleLines(name, "[n]");
+  const Lines exponents = exampleLines(name, "[e]");
+  const Lines signatures = exampleLines(name, "[Signatures]");
+  const Lines messages = exampleLines(name, "[Plaintexts]");
+  const WorkFiles files(
+      "[Bitlength of Modulus]\n2048\n[n]\n" + modulus[0] + "\n[Number of Signatures]\n" +
+      std::to_string(count) + "\n[e]\n" + repeated(exponents, count) + "[Signatures]\n" +
+      repeated(signatures, count) + "[Bitlength of Plaintexts]\n" +
+      std::to_string(4 * messages[0].size()) + "\n[Plaintexts]\n" + repeated(messages, count));
+  const runner::TestConfig config = verificationConfig(runner::ModeId::RSASSA);
+  Bytes n = converted(modulus)[0];
+  std::vector<Bytes> e = converted(exponents);
+  std::vector<Bytes> signature = converted(signatures);
+  std::vector<Bytes> message = converted(messages);
+  compare(
+      state, [&] { files.removeOutputs(); },
+      [&] {
+        for (int i = 0; i < count; ++i) {
+          const std::size_t k = static_cast<std::size_t>(i) % e.size();
+          const gnutls_datum_t nDatum = lent(n);
+          const gnutls_datum_t eDatum = lent(e[k]);
+          const gnutls_datum_t messageDatum = lent(message[k]);
+          const gnutls_datum_t signatureDatum = lent(signature[k]);
+          gnutls_pubkey_t key = nullptr;
+          gnutls_pubkey_init(&key);
+          gnutls_pubkey_import_rsa_raw(key, &nDatum, &eDatum);
+          benchmark::DoNotOptimize(gnutls_pubkey_verify_data2(key, GNUTLS_SIGN_RSA_SHA256, 0,
+                                                              &messageDatum, &signatureDatum));
+          gnutls_pubkey_deinit(key);
+        }
+      },
+      [&] {
+        if (runner::procVerifyRsa(config, files.request(), files.response()) != 0) {
+          state.SkipWithError("not verified");
+        }
+      });
+}
+BENCHMARK(rsaVerification)->Arg(1000)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+void dsaVerification(benchmark::State& state) {
+  const auto count = static_cast<int>(state.range(0));
+  const std::string name = "dsa-2048-256-sha-256-verification";
+  const Lines parameters = exampleLines(name, "[PQG]");
+  const Lines publicValues = exampleLines(name, "[Public Keys]");
+  const Lines messages = exampleLines(name, "[Plaintexts]");
+  const Lines signatures = exampleLines(name, "[Signatures]");
+  const WorkFiles files("[Bitlength of p]\n2048\n[Bitlength of q]\n256\n[PQG]\n" +
+                        repeated(parameters, 3) + "[Bitlength of Plaintexts]\n" +
+                        std::to_string(4 * messages[0].size()) + "\n[Number of Plaintexts]\n" +
+                        std::to_string(count) + "\n[Public Keys]\n" +
+                        repeated(publicValues, count) + "[Plaintexts]\n" +
+                        repeated(messages, count) + "[Signatures]\n" + repeated(signatures, count));
+  const runner::TestConfig config = verificationConfig(runner::ModeId::DSA);
+  std::vector<Bytes> pqg = converted(parameters);
+  std::vector<Bytes> y = converted(publicValues);
+  std::vector<Bytes> message = converted(messages);
+  std::vector<Bytes> encoded;
+  for (const Bytes& pair : converted(signatures)) {
+    const runner::Buffer encoding = runner::encodeSigRS(std::span(pair).first(pair.size() / 2),
+                                                        std::span(pair).last(pair.size() / 2));
+    encoded.emplace_back(encoding.data(), encoding.data() + encoding.size());
+  }
+  compare(
+      state, [&] { files.removeOutputs(); },
+      [&] {
+        for (int i = 0; i < count; ++i) {
+          const std::size_t k = static_cast<std::size_t>(i) % y.size();
+          const gnutls_datum_t p = lent(pqg[0]);
+          const gnutls_datum_t q = lent(pqg[1]);
+          const gnutls_datum_t g = lent(pqg[2]);
+          const gnutls_datum_t yDatum = lent(y[k]);
+          const gnutls_datum_t messageDatum = lent(message[k]);
+          const gnutls_datum_t signatureDatum = lent(encoded[k]);
+          gnutls_pubkey_t key = nullptr;
+          gnutls_pubkey_init(&key);
+          gnutls_pubkey_import_dsa_raw(key, &p, &q, &g, &yDatum);
+          benchmark::DoNotOptimize(gnutls_pubkey_verify_data2(key, GNUTLS_SIGN_DSA_SHA256, 0,
+                                                              &messageDatum, &signatureDatum));
+          gnutls_pubkey_deinit(key);
+        }
+      },
+      [&] {
+        if (runner::procVerifyDsa(config, files.request(), files.response()) != 0) {
+          state.SkipWithError("not verified");
+        }
+      });
+}
+BENCHMARK(dsaVerification)->Arg(500)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+// A request whose last signature is missing: all records are read and released, none is verified.
+// The measure beside it is a copy of the request.
+void dsaRecordsReleased(benchmark::State& state) {
+  const auto count = static_cast<int>(state.range(0));
+  const WorkFiles files(
+      "[Bitlength of p]\n16\n[Bitlength of q]\n8\n[PQG]\nA1A5\nA3\nA1A7\n"
+      "[Bitlength of Plaintexts]\n128\n[Number of Plaintexts]\n" +
+      std::to_string(count) + "\n[Public Keys]\n" + repeated({std::string(32, 'B')}, count) +
+      "[Plaintexts]\n" + repeated({std::string(32, 'C')}, count) + "[Signatures]\n" +
+      repeated({std::string(64, 'E')}, count - 1));
+  const runner::TestConfig config = verificationConfig(runner::ModeId::DSA);
+  compare(
+      state, [&] { files.removeOutputs(); }, [&] { files.copyRequest(); },
+      [&] {
+        if (runner::procVerifyDsa(config, files.request(), files.response()) != -1) {
+          state.SkipWithError("not refused");
+        }
+      });
+}
+BENCHMARK(dsaRecordsReleased)->Arg(1'000'000)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+}  // namespace
