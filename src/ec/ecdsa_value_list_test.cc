@@ -37,7 +37,7 @@ struct Group {
 };
 
 int allocateGroup(Group& group) {
-  const std::size_t messageLength = sizeOf(group.config.messageLength);
+  const std::size_t messageLength = bufferSize(group.config.messageLength);
   if (!group.line.allocate(2 * std::max(messageLength, kMaxValueLength) + 9)) {
     return mallocFailedAt(4754);
   }

@@ -35,8 +35,8 @@ struct Group {
 };
 
 int allocateGroup(Group& group) {
-  const std::size_t messageLength = sizeOf(group.config.messageLength);
-  const std::size_t longest = std::max(messageLength, sizeOf(group.config.keyLength));
+  const std::size_t messageLength = bufferSize(group.config.messageLength);
+  const std::size_t longest = std::max(messageLength, bufferSize(group.config.keyLength));
   if (allocateValues({&group.p, &group.q, &group.g, &group.y, &group.r, &group.s}) < 0) return -1;
   if (!group.line.allocate(2 * longest + 9)) return mallocFailedAt(4006);
   return group.message.allocate(messageLength) ? 0 : mallocFailedAt(4007);

@@ -72,7 +72,8 @@ int echoMessage(TestFiles& files, std::span<std::uint8_t> message, NamedValueSit
 
 int allocateValues(std::initializer_list<RecordValue*> values) {
   for (RecordValue* const value : values) {
-    if (!value->storage.allocate(sizeOf(value->expected))) return mallocFailedAt(value->allocation);
+    if (!value->storage.allocate(bufferSize(value->expected)))
+      return mallocFailedAt(value->allocation);
   }
   return 0;
 }

@@ -24,8 +24,9 @@
 //   Result = ...                   written as "Result = P" or "Result = F"
 //
 // The lines from COUNT to Result follow one another directly. Within a group lines are read into
-// TestFiles::line, whose capacity the group sets; a longer line is seen as several. The `site` that
-// a step takes is the number of its failure line.
+// TestFiles::line, whose capacity the group sets; outside one, where it is not used, with a
+// capacity of 128 characters. A longer line is seen as several. The `site` that a step takes is the
+// number of its failure line.
 
 namespace runner {
 
@@ -49,13 +50,13 @@ struct RecordValue {
   }
 };
 
-// sizeOf returns a length of the TestConfig as the size of a buffer: 0 for a negative one.
-constexpr std::size_t sizeOf(int length) {
+// bufferSize returns a length of the TestConfig as the size of a buffer: 0 for a negative one.
+constexpr std::size_t bufferSize(int length) {
   return length < 0 ? 0 : static_cast<std::size_t>(length);
 }
 
-// findGroup copies lines, read with a capacity of 128 characters, up to and including the next one
-// that contains all `marks`. Returns false at the end of the file.
+// findGroup copies lines up to and including the next one that contains all `marks`. Returns false
+// at the end of the file.
 bool findGroup(TestFiles& files, std::span<const char* const> marks);
 
 // findRecord copies lines up to and including the next COUNT line. Returns 1 when it has the number
