@@ -13,6 +13,9 @@ const char* const kCipherTests =
     "procKAT_Text finish normally\nprocKAT_Key finish normally\nprocKAT_GFSbox finish normally\n"
     "procKAT_KeySbox finish normally\nprocMMT finish normally\nprocMCT finish normally\n";
 
+const char* const kHashTests =
+    "procSMT finish normally\nprocSLMT finish normally\nprocPGMT finish normally\n";
+
 const char* const kValueListDsa =
     "function    : Verification\nhash: 256\nrequest size : 128\nmessage num : 6\n"
     "procVerify finish normally\n";
@@ -34,6 +37,8 @@ const Example kExamples[] = {
     {"ecdsa-p-256-sha-256-verification", "curveid: 2\nprocVerify finish normally\n"},
     {"ecdsa-p-256-value-list", kValueListEcdsa},
     {"rsa-2048-sha-256-verification", "procVerify finish normally\n"},
+    {"sha-256-hash", kHashTests},
+    {"hmac-sha-256-mac", kHashTests},
 };
 
 TEST(Examples, GiveTheirPublishedAnswers) {

@@ -16,14 +16,6 @@ namespace {
 // The largest number of blocks whose buffer size fits 32 bits.
 constexpr int kMaxBlocks = 33554431;
 
-int readBlockCount(TestFiles& files, int& blocks) {
-  if (echoSection(files, "[Number of Blocks for MMT]", 2346) < 0) return -1;
-  blocks = nextDecimal(files);
-  if (blocks < 1 || blocks > kMaxBlocks) return failWith("illegal blknum!!");
-  writeDecimal(files.response.get(), blocks);
-  return 0;
-}
-
 // computeMessage reads the message of `length` bytes, computes and writes the result. One buffer
 // holds the line, the message and the result.
 int computeMessage(const TestConfig& config, TestFiles& files, int length, const std::uint8_t* key,
@@ -54,7 +46,8 @@ int runTest(const TestConfig& config, TestFiles& files) {
   Block iv{};
   const char* const inputKey =
       isEncryption(config) ? "[Plaintext for MMT]" : "[Ciphertext for MMT]";
-  if (readBlockCount(files, blocks) < 0) return -1;
+  if (echoSection(files, "[Number of Blocks for MMT]", 2346) < 0) return -1;
+  if (echoPositive(files, blocks, "illegal blknum!!", kMaxBlocks) < 0) return -1;
   if (echoHexSection(files, "[Key for MMT]", key, {.section = 2360, .value = 2363}) < 0) return -1;
   if (isCbc(config) &&
       echoHexSection(files, "[IV for MMT]", iv, {.section = 2369, .value = 2372}) < 0) {

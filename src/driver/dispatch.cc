@@ -17,6 +17,8 @@
 #include "ec/ecdsa_value_list_test.h"
 #include "ec/ecdsa_verification_test.h"
 #include "ec/public_key_validation_test.h"
+#include "hash/message_tests.h"
+#include "hash/pseudo_random_message_test.h"
 #include "sig/dsa_value_list_test.h"
 #include "sig/dsa_verification_test.h"
 #include "sig/rsa_verification_test.h"
@@ -65,6 +67,12 @@ void runCipherTests(const TestConfig& config, const char* requestPath, const cha
   reportCipherTest("procMCT", procMCT(config, requestPath, responsePath));
 }
 
+void runHashTests(const TestConfig& config, const char* requestPath, const char* responsePath) {
+  reportTest("procSMT", procSMT(config, requestPath, responsePath));
+  reportTest("procSLMT", procSLMT(config, requestPath, responsePath));
+  reportTest("procPGMT", procPGMT(config, requestPath, responsePath));
+}
+
 using TestProcedure = int (*)(const TestConfig&, const char*, const char*);
 
 // chooseVerification returns the test for the algorithm and the form of the request; null when
@@ -107,6 +115,10 @@ void runTests(const TestConfig& config, const char* requestPath, const char* res
     case TestFunction::DECRYPTION:
       runCipherTests(config, requestPath, responsePath);
       break;
+    case TestFunction::HASH:
+    case TestFunction::MAC:
+      runHashTests(config, requestPath, responsePath);
+      break;
     case TestFunction::PUBLIC_KEY_VALIDATION:
       reportTest("procChkPublicKey", procChkPublicKey(config, requestPath, responsePath));
       break;
@@ -115,8 +127,6 @@ void runTests(const TestConfig& config, const char* requestPath, const char* res
       break;
     case TestFunction::KEY_GENERATION:
     case TestFunction::SIGN:
-    case TestFunction::HASH:
-    case TestFunction::MAC:
     case TestFunction::AEAD_ENCRYPTION:
     case TestFunction::AEAD_DECRYPTION:
     case TestFunction::DRBG:

@@ -38,9 +38,9 @@ void echoDecimal(TestFiles& files, int& value) {
   writeDecimal(files.response.get(), value);
 }
 
-int echoPositive(TestFiles& files, int& value, const char* complaint) {
+int echoPositive(TestFiles& files, int& value, const char* complaint, int most) {
   value = nextDecimal(files);
-  if (value < 1) return complaint != nullptr ? failWith(complaint) : -1;
+  if (value < 1 || value > most) return complaint != nullptr ? failWith(complaint) : -1;
   writeDecimal(files.response.get(), value);
   return 0;
 }

@@ -1,6 +1,7 @@
 #ifndef RUNNER_DRIVER_SECTIONS_H_
 #define RUNNER_DRIVER_SECTIONS_H_
 
+#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -50,9 +51,10 @@ int nextDecimal(TestFiles& files);
 // echoDecimal reads the next line as a decimal number into `value` and writes it.
 void echoDecimal(TestFiles& files, int& value);
 
-// echoPositive is echoDecimal for a number that must be at least 1. Another number is not written;
-// `complaint`, unless it is null, is printed as a line, and the result is -1.
-int echoPositive(TestFiles& files, int& value, const char* complaint);
+// echoPositive is echoDecimal for a number that must be at least 1 and at most `most`. Another
+// number is not written; `complaint`, unless it is null, is printed as a line, and the result
+// is -1.
+int echoPositive(TestFiles& files, int& value, const char* complaint, int most = INT_MAX);
 
 // readHex reads the next line as hexadecimal text of out.size() bytes.
 int readHex(TestFiles& files, std::span<std::uint8_t> out, int site);
