@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -32,6 +32,15 @@ Lines exampleLines(const std::string& name, const std::string& key) {
   while (std::getline(file, line) && !line.starts_with('[')) lines.push_back(line);
   if (lines.empty()) std::abort();
   return lines;
+}
+
+// selected returns those of the lines whose signature has the common exponent, 65537.
+Lines selected(const Lines& lines, const Lines& exponents) {
+  Lines result;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    if (exponents[i] == "010001") result.push_back(lines[i]);
+  }
+  return result;
 }
 
 // repeated writes `count` lines, the given ones over and over.
@@ -62,9 +71,10 @@ void rsaVerification(benchmark::State& state) {
   const auto count = static_cast<int>(state.range(0));
   const std::string name = "rsa-2048-sha-256-verification";
   const Lines modulus = exampleLines(name, "[n]");
-  const Lines exponents = exampleLines(name, "[e]");
-  const Lines signatures = exampleLines(name, "[Signatures]");
-  const Lines messages = exampleLines(name, "[Plaintexts]");
+  const Lines allExponents = exampleLines(name, "[e]");
+  const Lines exponents = selected(allExponents, allExponents);
+  const Lines signatures = selected(exampleLines(name, "[Signatures]"), allExponents);
+  const Lines messages = selected(exampleLines(name, "[Plaintexts]"), allExponents);
   const WorkFiles files(
       "[Bitlength of Modulus]\n2048\n[n]\n" + modulus[0] + "\n[Number of Signatures]\n" +
       std::to_string(count) + "\n[e]\n" + repeated(exponents, count) + "[Signatures]\n" +

@@ -44,8 +44,8 @@ const Example kExamples[] = {
 TEST(Examples, GiveTheirPublishedAnswers) {
   for (const Example& row : kExamples) {
     SCOPED_TRACE(row.name);
-    const Outcome outcome = runBinary(example(std::string(row.name) + ".req"));
-    const std::string expected = example(std::string(row.name) + ".rsp");
+    const Outcome outcome = runBinary(example(row.name, ".req"));
+    const std::string expected = example(row.name, ".rsp");
     ASSERT_FALSE(expected.empty());
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.console, row.console);

@@ -5,6 +5,7 @@
 
 // GnuTLS has the function since 3.3.0. Bound weakly, it is null when the program is loaded with a
 // library that lacks it.
+// NOLINTNEXTLINE(readability-redundant-declaration): declared again to say so
 extern "C" int gnutls_pubkey_verify_params(gnutls_pubkey_t key) __attribute__((weak));
 
 namespace runner {

@@ -103,8 +103,8 @@ std::string fromHere(const std::string& text, const std::string& start) {
   return text.substr(text.find(start));
 }
 
-std::string example(const std::string& file) {
-  return readFile(std::string(RUNNER_EXAMPLES) + "/" + file);
+std::string example(const std::string& name, const std::string& extension) {
+  return readFile(RUNNER_EXAMPLES "/" + name + extension);
 }
 
 std::vector<std::uint8_t> fromHex(std::string_view text) {

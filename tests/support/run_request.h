@@ -56,8 +56,8 @@ std::string lastLines(const std::string& text, int count);
 // fromHere returns the rest of `text` from `start` on, which must be in it.
 std::string fromHere(const std::string& text, const std::string& start);
 
-// example returns the content of the example file NAME.req or NAME.rsp.
-std::string example(const std::string& file);
+// example returns the content of the example file with this name and extension (".req", ".rsp").
+std::string example(const std::string& name, const std::string& extension);
 
 // fromHex converts hexadecimal text to bytes.
 std::vector<std::uint8_t> fromHex(std::string_view text);
