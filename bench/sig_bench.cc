@@ -43,10 +43,17 @@ Lines selected(const Lines& lines, const Lines& exponents) {
   return result;
 }
 
-// repeated writes `count` lines, the given ones over and over.
-std::string repeated(const Lines& lines, int count) {
+// repeated returns `count` lines, the given ones over and over.
+Lines repeated(const Lines& lines, int count) {
+  Lines result;
+  for (int i = 0; i < count; ++i)
+    result.push_back(lines[static_cast<std::size_t>(i) % lines.size()]);
+  return result;
+}
+
+std::string textOf(const Lines& lines) {
   std::string text;
-  for (int i = 0; i < count; ++i) text += lines[static_cast<std::size_t>(i) % lines.size()] + "\n";
+  for (const std::string& line : lines) text.append(line).append("\n");
   return text;
 }
 
@@ -70,30 +77,29 @@ runner::TestConfig verificationConfig(runner::ModeId mode) {
 void rsaVerification(benchmark::State& state) {
   const auto count = static_cast<int>(state.range(0));
   const std::string name = "rsa-2048-sha-256-verification";
+  const Lines all = exampleLines(name, "[e]");
   const Lines modulus = exampleLines(name, "[n]");
-  const Lines allExponents = exampleLines(name, "[e]");
-  const Lines exponents = selected(allExponents, allExponents);
-  const Lines signatures = selected(exampleLines(name, "[Signatures]"), allExponents);
-  const Lines messages = selected(exampleLines(name, "[Plaintexts]"), allExponents);
-  const WorkFiles files(
-      "[Bitlength of Modulus]\n2048\n[n]\n" + modulus[0] + "\n[Number of Signatures]\n" +
-      std::to_string(count) + "\n[e]\n" + repeated(exponents, count) + "[Signatures]\n" +
-      repeated(signatures, count) + "[Bitlength of Plaintexts]\n" +
-      std::to_string(4 * messages[0].size()) + "\n[Plaintexts]\n" + repeated(messages, count));
+  const Lines exponents = repeated(selected(all, all), count);
+  const Lines signatures = repeated(selected(exampleLines(name, "[Signatures]"), all), count);
+  const Lines messages = repeated(selected(exampleLines(name, "[Plaintexts]"), all), count);
+  const WorkFiles files("[Bitlength of Modulus]\n2048\n[n]\n" + textOf(modulus) +
+                        "[Number of Signatures]\n" + std::to_string(count) + "\n[e]\n" +
+                        textOf(exponents) + "[Signatures]\n" + textOf(signatures) +
+                        "[Bitlength of Plaintexts]\n" + std::to_string(4 * messages[0].size()) +
+                        "\n[Plaintexts]\n" + textOf(messages));
   const runner::TestConfig config = verificationConfig(runner::ModeId::RSASSA);
-  Bytes n = converted(modulus)[0];
+  std::vector<Bytes> n = converted(modulus);
   std::vector<Bytes> e = converted(exponents);
   std::vector<Bytes> signature = converted(signatures);
   std::vector<Bytes> message = converted(messages);
   compare(
       state, [&] { files.removeOutputs(); },
       [&] {
-        for (int i = 0; i < count; ++i) {
-          const std::size_t k = static_cast<std::size_t>(i) % e.size();
-          const gnutls_datum_t nDatum = lent(n);
-          const gnutls_datum_t eDatum = lent(e[k]);
-          const gnutls_datum_t messageDatum = lent(message[k]);
-          const gnutls_datum_t signatureDatum = lent(signature[k]);
+        for (std::size_t i = 0; i < e.size(); ++i) {
+          const gnutls_datum_t nDatum = lent(n[0]);
+          const gnutls_datum_t eDatum = lent(e[i]);
+          const gnutls_datum_t messageDatum = lent(message[i]);
+          const gnutls_datum_t signatureDatum = lent(signature[i]);
           gnutls_pubkey_t key = nullptr;
           gnutls_pubkey_init(&key);
           gnutls_pubkey_import_rsa_raw(key, &nDatum, &eDatum);
@@ -114,15 +120,15 @@ void dsaVerification(benchmark::State& state) {
   const auto count = static_cast<int>(state.range(0));
   const std::string name = "dsa-2048-256-sha-256-verification";
   const Lines parameters = exampleLines(name, "[PQG]");
-  const Lines publicValues = exampleLines(name, "[Public Keys]");
-  const Lines messages = exampleLines(name, "[Plaintexts]");
-  const Lines signatures = exampleLines(name, "[Signatures]");
+  const Lines publicValues = repeated(exampleLines(name, "[Public Keys]"), count);
+  const Lines messages = repeated(exampleLines(name, "[Plaintexts]"), count);
+  const Lines signatures = repeated(exampleLines(name, "[Signatures]"), count);
   const WorkFiles files("[Bitlength of p]\n2048\n[Bitlength of q]\n256\n[PQG]\n" +
-                        repeated(parameters, 3) + "[Bitlength of Plaintexts]\n" +
+                        textOf(parameters) + "[Bitlength of Plaintexts]\n" +
                         std::to_string(4 * messages[0].size()) + "\n[Number of Plaintexts]\n" +
-                        std::to_string(count) + "\n[Public Keys]\n" +
-                        repeated(publicValues, count) + "[Plaintexts]\n" +
-                        repeated(messages, count) + "[Signatures]\n" + repeated(signatures, count));
+                        std::to_string(count) + "\n[Public Keys]\n" + textOf(publicValues) +
+                        "[Plaintexts]\n" + textOf(messages) + "[Signatures]\n" +
+                        textOf(signatures));
   const runner::TestConfig config = verificationConfig(runner::ModeId::DSA);
   std::vector<Bytes> pqg = converted(parameters);
   std::vector<Bytes> y = converted(publicValues);
@@ -136,14 +142,13 @@ void dsaVerification(benchmark::State& state) {
   compare(
       state, [&] { files.removeOutputs(); },
       [&] {
-        for (int i = 0; i < count; ++i) {
-          const std::size_t k = static_cast<std::size_t>(i) % y.size();
+        for (std::size_t i = 0; i < y.size(); ++i) {
           const gnutls_datum_t p = lent(pqg[0]);
           const gnutls_datum_t q = lent(pqg[1]);
           const gnutls_datum_t g = lent(pqg[2]);
-          const gnutls_datum_t yDatum = lent(y[k]);
-          const gnutls_datum_t messageDatum = lent(message[k]);
-          const gnutls_datum_t signatureDatum = lent(encoded[k]);
+          const gnutls_datum_t yDatum = lent(y[i]);
+          const gnutls_datum_t messageDatum = lent(message[i]);
+          const gnutls_datum_t signatureDatum = lent(encoded[i]);
           gnutls_pubkey_t key = nullptr;
           gnutls_pubkey_init(&key);
           gnutls_pubkey_import_dsa_raw(key, &p, &q, &g, &yDatum);
@@ -167,9 +172,10 @@ void dsaRecordsReleased(benchmark::State& state) {
   const WorkFiles files(
       "[Bitlength of p]\n16\n[Bitlength of q]\n8\n[PQG]\nA1A5\nA3\nA1A7\n"
       "[Bitlength of Plaintexts]\n128\n[Number of Plaintexts]\n" +
-      std::to_string(count) + "\n[Public Keys]\n" + repeated({std::string(32, 'B')}, count) +
-      "[Plaintexts]\n" + repeated({std::string(32, 'C')}, count) + "[Signatures]\n" +
-      repeated({std::string(64, 'E')}, count - 1));
+      std::to_string(count) + "\n[Public Keys]\n" +
+      textOf(repeated({std::string(32, 'B')}, count)) + "[Plaintexts]\n" +
+      textOf(repeated({std::string(32, 'C')}, count)) + "[Signatures]\n" +
+      textOf(repeated({std::string(64, 'E')}, count - 1)));
   const runner::TestConfig config = verificationConfig(runner::ModeId::DSA);
   compare(
       state, [&] { files.removeOutputs(); }, [&] { files.copyRequest(); },

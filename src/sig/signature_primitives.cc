@@ -1,18 +1,13 @@
 #include "sig/signature_primitives.h"
 
-#include <openssl/sha.h>
-
 #include <algorithm>
 
 #include "driver/diagnostics.h"
+#include "hash/digest_engine.h"
 #include "sig/sig_handles.h"
 
 namespace runner {
 namespace {
-
-using OneShotDigest = unsigned char* (*)(const unsigned char*, std::size_t, unsigned char*);
-constexpr std::array<OneShotDigest, hashTable.size()> digestFunctions{SHA1, SHA224, SHA256, SHA384,
-                                                                      SHA512};
 
 constexpr std::size_t kMaxIntegerLength = 127;
 constexpr std::size_t kMaxShortContent = 127;
@@ -63,10 +58,9 @@ std::optional<MessageDigest> digestMessage(HashId hashId, std::span<const std::u
   if (hash == nullptr) return std::nullopt;
   std::optional<MessageDigest> digest(std::in_place);
   digest->length = static_cast<std::size_t>(hash->digestLength);
-  const OneShotDigest compute = digestFunctions[hashIndex(hashId)];
-  if (compute(message.data(), message.size(), digest->bytes.data()) == nullptr) {
-    return std::nullopt;
-  }
+  const int result = calcHash(hashId, CryptEngine::OPENSSL, message.data(),
+                              static_cast<int>(message.size()), digest->bytes.data());
+  if (result < 0) return std::nullopt;
   return digest;
 }
 
