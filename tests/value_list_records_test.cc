@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "support/failing_allocator.h"
+#include "support/request_tables.h"
 #include "support/run_request.h"
 
 // Value-list signature verification through both engines: the examples, with NIST's verdicts, and
@@ -21,16 +22,12 @@ const std::vector<CryptEngine> kUnsupported{CryptEngine::HDD};
 const std::string kCurve = "curveid: 2\n";
 const std::string kFinished = "procVerify finish normally\n";
 
-std::string readExample(const std::string& file) {
-  return readFile(std::string(RUNNER_EXAMPLES) + "/" + file);
-}
-
-const std::string kEcdsa = readExample("ecdsa-p-256-value-list.req");
-const std::string kDsa = readExample("dsa-2048-256-value-list.req");
+const std::string kEcdsa = example("ecdsa-p-256-value-list", ".req");
+const std::string kDsa = example("dsa-2048-256-value-list", ".req");
 
 // responseOf returns the expected response to an example, without the program's own lines.
 std::string responseOf(const std::string& name) {
-  const std::string response = readExample(name + ".rsp");
+  const std::string response = example(name, ".rsp");
   return response.substr(response.find("\n#\n") + 3);
 }
 
@@ -51,7 +48,7 @@ std::string inTwoGroups(std::string text) {
 
 TEST(ValueListRecords, AreCopiedWithTheirVerdicts) {
   for (const std::string name : {"ecdsa-p-256-value-list", "dsa-2048-256-value-list"}) {
-    const std::string request = readExample(name + ".req");
+    const std::string request = example(name, ".req");
     for (const CryptEngine engine : kBothEngines) {
       EXPECT_EQ(runInProcess(request, engine).response, responseOf(name));
       const Outcome groups = runInProcess(inTwoGroups(request), engine);
@@ -100,7 +97,7 @@ std::string notFound(const std::string& name, int site, const std::string& line)
 }
 
 std::string notHex(const std::string& where, int site) {
-  return "\nillegal data!! (" + where + "\nerr happens!! (" + std::to_string(site) + ")\n";
+  return "\nillegal data!! (" + where + "\n" + errAt(site);
 }
 
 // padded puts zeros in front of the 64 digits of a value, up to a line of `length` characters.
@@ -184,7 +181,7 @@ TEST(ValueListRecords, KeysThatTheEngineRefuses) {
       "0800006B:elliptic curve routines::point is not on curve", "illegal public key?");
   const std::string outOfRange = refusedByOpenssl(
       "08000092:elliptic curve routines::coordinates out of range", "something wrong?");
-  const std::string site = "COUNT0: err happens!! (4823)\n";
+  const std::string site = "COUNT0: " + errAt(4823);
   const std::vector<Edit> edits{
       {x, "Qx = ", "S = ", kCurve + "pubkey_import_ecc_raw failed(-23)!!\n" + site, kGnutls},
       {x, "Qx = 01", "Result = F", offCurve, kOpenssl},
