@@ -16,6 +16,13 @@ const char* const kCipherTests =
 const char* const kHashTests =
     "procSMT finish normally\nprocSLMT finish normally\nprocPGMT finish normally\n";
 
+const char* const kValueListDsa =
+    "function    : Verification\nhash: 256\nrequest size : 128\nmessage num : 6\n"
+    "procVerify finish normally\n";
+const char* const kValueListEcdsa =
+    "function    : Verification\nhash: 256\nrequest size : 128\nmessage num : 6\n"
+    "curveid: 2\nprocVerify finish normally\n";
+
 struct Example {
   const char* name;
   const char* console;
@@ -27,8 +34,10 @@ const Example kExamples[] = {
     {"aes-128-gcm-encryption", "procAEAD finish normally\n"},
     {"aes-256-gcm-decryption", "procAEAD finish normally\n"},
     {"dsa-2048-256-sha-256-verification", "procVerify finish normally\n"},
+    {"dsa-2048-256-value-list", kValueListDsa},
     {"ecdsa-p-256-public-key-validation", "curveid: 2\nprocChkPublicKey finish normally\n"},
     {"ecdsa-p-256-sha-256-verification", "curveid: 2\nprocVerify finish normally\n"},
+    {"ecdsa-p-256-value-list", kValueListEcdsa},
     {"rsa-2048-sha-256-verification", "procVerify finish normally\n"},
     {"sha-256-hash", kHashTests},
     {"hmac-sha-256-mac", kHashTests},

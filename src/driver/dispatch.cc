@@ -15,10 +15,12 @@
 #include "driver/request_header.h"
 #include "driver/test_files.h"
 #include "driver/text_helpers.h"
+#include "ec/ecdsa_value_list_test.h"
 #include "ec/ecdsa_verification_test.h"
 #include "ec/public_key_validation_test.h"
 #include "hash/message_tests.h"
 #include "hash/pseudo_random_message_test.h"
+#include "sig/dsa_value_list_test.h"
 #include "sig/dsa_verification_test.h"
 #include "sig/rsa_verification_test.h"
 
@@ -80,9 +82,9 @@ TestProcedure chooseVerification(const TestConfig& config) {
   const bool isValueList = (config.flags & FLAG_VALUE_LIST) != 0;
   switch (config.mode) {
     case ModeId::DSA:
-      return isValueList ? nullptr : procVerifyDsa;
+      return isValueList ? procVerifyDsaRecords : procVerifyDsa;
     case ModeId::ECDSA:
-      return isValueList ? nullptr : procVerifyEcdsa;
+      return isValueList ? procVerifyEcdsaRecords : procVerifyEcdsa;
     case ModeId::RSASSA:
       return procVerifyRsa;
     default:

@@ -9,6 +9,7 @@
 #include "driver/sections.h"
 #include "driver/test_files.h"
 #include "driver/text_helpers.h"
+#include "driver/value_list_header.h"
 
 namespace runner {
 namespace {
@@ -79,9 +80,10 @@ constexpr std::array passThroughKeys{
 
 // What a header line means for the scan.
 enum class Step {
-  NEXT,    // go on with the next line
-  STOP,    // read no further, and see whether the header is complete
-  REFUSE,  // the request is not supported, complete or not
+  NEXT,        // go on with the next line
+  STOP,        // read no further, and see whether the header is complete
+  REFUSE,      // the request is not supported, complete or not
+  VALUE_LIST,  // the header has the value-list form
 };
 
 struct HeaderScan {
@@ -90,6 +92,7 @@ struct HeaderScan {
   std::array<char, kLineCapacity> line{};
   std::array<char, kAlgorithmNameCapacity> algorithmName{};
   unsigned seenMask = 0;
+  ValueListForm form = ValueListForm::DRBG;
 };
 
 Step stopWith(const char* message) {
@@ -254,7 +257,18 @@ Step readMaxTextLength(HeaderScan& scan, std::string_view keyLine) {
   return Step::NEXT;
 }
 
+Step enterValueList(HeaderScan& scan, ValueListForm form) {
+  scan.config.flags |= FLAG_VALUE_LIST;
+  scan.form = form;
+  return Step::VALUE_LIST;
+}
+
 Step readSection(HeaderScan& scan, std::string_view line) {
+  if (line.starts_with(kDrbgRequestKey)) return enterValueList(scan, ValueListForm::DRBG);
+  if (line.starts_with(kSignatureRequestKey)) {
+    const bool hasCurve = nextValue(scan.files).starts_with("[Curve = ");
+    return enterValueList(scan, hasCurve ? ValueListForm::ECDSA : ValueListForm::FFC);
+  }
   if (line.starts_with("[Algorithm Name]")) return readAlgorithmName(scan);
   if (line.starts_with("[Function Name]")) return readFunction(scan);
   if (line.starts_with("[Key]") && scan.config.testFunction == TestFunction::MAC) {
@@ -300,6 +314,7 @@ int parseRequestHeader(TestConfig& config, const char* requestPath, const char* 
   const Step end = scanSections(scan);
   closeFiles(scan.files, responsePath, 0);
   if (end == Step::REFUSE) return -1;
+  if (end == Step::VALUE_LIST) return parseValueListHeader(config, requestPath, scan.form);
   return isComplete(scan) ? 0 : failWith("request is inadequate!!");
 }
 

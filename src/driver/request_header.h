@@ -11,16 +11,21 @@ namespace runner {
 // precedes "[Function Name]". Lines are read with a capacity of 128 characters, the algorithm name
 // with 32. All other lines of the request are skipped.
 //
-//   [Algorithm Name]                  AES, GCM/GMAC, SHA-1 .. SHA-512, HMAC, RSASSA, DSA FIPS,
-//   ECDSA [Function Name]                   what to do with it (TestFunction) [Modes of Operation]
-//   CBC, ECB                      AES [Bitlength of Key]                128, 160, 192, 256, 384,
-//   512  AES, GCM, MAC [Data Format]                     M_Hash_Byte                   Hash [Hash]
-//   M_Hash_SHA1 .. M_Hash_SHA512  MAC, signatures [Max BitLength of Plaintext]      decimal GCM
+//   [Algorithm Name]                  AES, GCM/GMAC, SHA-1 .. SHA-512, HMAC, RSASSA, ECDSA,
+//                                     DSA FIPS
+//   [Function Name]                   what to do with it (TestFunction)
+//   [Modes of Operation]              CBC, ECB                      AES
+//   [Bitlength of Key]                128, 160, 192, 256, 384, 512  AES, GCM, MAC
+//   [Data Format]                     M_Hash_Byte                   Hash
+//   [Hash]                            M_Hash_SHA1 .. M_Hash_SHA512  MAC, signatures
+//   [Max BitLength of Plaintext]      decimal                       GCM
 //   [Max BitLength of Ciphertext]     decimal                       GCM
 //   [Characteristic]                  a text beginning with "p"
 //   [Key]                             echoed only                   MAC
-//   [Block Cipher], [IV Generation], [Bitlength of Tag] and the remaining length limits: echoed
-//   only
+//   [Block Cipher], [IV Generation], [Bitlength of Tag], other length limits: echoed only
+//
+// A line of value_list_header.h that tells a value-list request ends all this, wherever it stands:
+// the result is then that of parseValueListHeader.
 //
 // Returns 0 when exactly the sections that the function needs are there. Otherwise it prints the
 // reason as one line, in most cases followed by "request is inadequate!!", and returns -1; what was

@@ -1,0 +1,52 @@
+#ifndef RUNNER_DRIVER_VALUE_LIST_HEADER_H_
+#define RUNNER_DRIVER_VALUE_LIST_HEADER_H_
+
+#include "driver/test_config.h"
+
+namespace runner {
+
+// The lines that tell a value-list request: its header is a set of single-line items of the shape
+// name = value, and its tests are records of such lines.
+inline constexpr const char* kDrbgRequestKey = "[AlgorithmName = CTR_DRBG no df]";
+inline constexpr const char* kSignatureRequestKey = "[TargetFunction = SignatureVerification]";
+
+// The three kinds of value-list headers.
+enum class ValueListForm : int {
+  DRBG,   // CTR_DRBG
+  ECDSA,  // verification of ECDSA signatures
+  FFC,    // verification of DSA signatures
+};
+
+// parseValueListHeader reads the header of a value-list request from the start of the file and
+// fills `config` with what it names. Lines are read with a capacity of 48 characters, values with
+// one of 8; n is a decimal number. The items of a form come in any order, several on a line where
+// their texts allow it, and the last one of a kind counts; items without a "[" may stand anywhere
+// in a line.
+//
+//   DRBG   [AlgorithmName = CTR_DRBG no df]
+//          [UnderlyingAlgorithm = AES-n]             n 128 or 256
+//          [SecurityStrength = n]                    n 128 or 256; n / 8 is `keyLength`
+//   ECDSA  [TargetFunction = SignatureVerification]
+//          Curve = P-n                               one of the five prime curves of FIPS 186-4
+//          HashAlgorithm = SHA-n                     `hashId`; `keyLength` is the digest length
+//   FFC    [TargetFunction = SignatureVerification]
+//          [FFCDomainParameterSizeSet = ...
+//          [L = n                                    n / 8 is `keyLength`
+//          [N = n                                    n / 8 is `subgroupLength`
+//          HashAlgorithm = SHA-n                     `hashId`
+//
+// After the line that completes them come, on lines of their own and in this order:
+//
+//   DRBG           RequestedNumberOfBits = n         n / 8 is `messageLength`
+//                  NumberOfTrials = n                `count`
+//   ECDSA and FFC  BitLengthOfMessage = n            n / 8 is `messageLength`
+//                  NumberOfMessages = n              `count`
+//
+// Most items are reported as a line on standard output, as is a curve or a hash that is not
+// supported, which takes back an earlier one. Returns 0 when all are there; otherwise it prints
+// "request is inadequate!!", or "can't open PATH", and returns -1. The response is not touched.
+int parseValueListHeader(TestConfig& config, const char* requestPath, ValueListForm form);
+
+}  // namespace runner
+
+#endif  // RUNNER_DRIVER_VALUE_LIST_HEADER_H_
