@@ -10,7 +10,7 @@
 #include "cipher/monte_carlo_test.h"
 #include "cipher/multi_block_message_test.h"
 #include "driver/test_config.h"
-#include "driver/test_files.h"
+#include "driver/text_stream.h"
 #include "side_by_side.h"
 
 // procMCT and procMMT beside the GnuTLS calls that they cannot do without.

@@ -1,12 +1,11 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
-#include <cstdio>
 #include <string>
 #include <vector>
 
-#include "driver/test_files.h"
 #include "driver/text_helpers.h"
+#include "driver/text_stream.h"
 
 // The two conversions of hexadecimal text on a long value; bytes_per_second counts the text.
 
@@ -27,10 +26,11 @@ BENCHMARK(hexToBin);
 
 void writeHex(benchmark::State& state) {
   const std::vector<std::uint8_t> bytes(kBytes, 0xC5);
-  const runner::FileHandle stream(std::fopen("/dev/null", "w"));
+  runner::TextWriter stream;
+  if (!stream.create("/dev/null")) state.SkipWithError("no stream");
   for (auto iteration : state) {
     (void)iteration;
-    runner::writeHex(stream.get(), bytes);
+    runner::writeHex(stream, bytes);
   }
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(2 * kBytes));
 }

@@ -10,14 +10,14 @@
 #include "driver/dispatch.h"
 #include "driver/request_header.h"
 #include "driver/test_config.h"
-#include "driver/test_files.h"
+#include "driver/text_stream.h"
 
 // A whole request, header and tests, through the engine that its first byte selects.
 
 namespace {
 
-// asksForMuchWork tells whether a line is a decimal number of four digits or more: as a loop count or
-// a message length it would only make the run slow.
+// asksForMuchWork tells whether a line is a decimal number of four digits or more: as a loop count
+// or a message length it would only make the run slow.
 bool asksForMuchWork(std::string_view request) {
   std::size_t digits = 0;
   for (const char c : request) {

@@ -6,8 +6,8 @@
 
 #include "driver/text_helpers.h"
 
-// The conversions of text on arbitrary bytes: the first byte sizes the output, the second splits the
-// rest into a pattern and a line.
+// The conversions of text on arbitrary bytes: the first byte sizes the output, the second splits
+// the rest into a pattern and a line.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 2) return 0;
   static const bool silenced = std::freopen("/dev/null", "w", stdout) != nullptr;

@@ -134,13 +134,14 @@ TEST(WriteHex, WritesEveryByteInOrder) {
     expected += "0123456789ABCDEF"[bytes[i] / 16];
     expected += "0123456789ABCDEF"[bytes[i] % 16];
   }
-  FileHandle file(std::fopen(dir.file("out").c_str(), "w"));
-  writeHex(file.get(), bytes);
-  writeHex(file.get(), {});
-  writeLowerHex(file.get(), Bytes{0x00, 0xAB, 0x10});
-  writeHashName(file.get(), HashId::SHA384);
-  writeHashName(file.get(), static_cast<HashId>(7));
-  ASSERT_EQ(closeWritten(std::move(file), "out"), 0);
+  TextWriter file;
+  ASSERT_TRUE(file.create(dir.file("out").c_str()));
+  writeHex(file, bytes);
+  writeHex(file, {});
+  writeLowerHex(file, Bytes{0x00, 0xAB, 0x10});
+  writeHashName(file, HashId::SHA384);
+  writeHashName(file, static_cast<HashId>(7));
+  ASSERT_TRUE(file.close());
   EXPECT_EQ(readFile(dir.file("out")),
             expected + "\n\n00ab10\n[Hash]\nM_Hash_SHA384\n[Hash]\nunknown(7)\n");
 }
@@ -148,17 +149,18 @@ TEST(WriteHex, WritesEveryByteInOrder) {
 TEST(Lines, AreReadByCapacityAndEndAtAZeroByte) {
   const TempDir dir;
   writeFile(dir.file("in"), std::string("0123456789\nab\0cd\n[Key] for it\nlast", 34));
-  const FileHandle file(std::fopen(dir.file("in").c_str(), "r"));
+  TextReader file;
+  ASSERT_TRUE(file.open(dir.file("in").c_str()));
   std::array<char, 8> buffer{};
-  EXPECT_EQ(readLine(file.get(), buffer), "0123456");
-  EXPECT_EQ(readLine(file.get(), buffer), "789\n");
-  EXPECT_EQ(readLine(file.get(), buffer), "ab");
-  EXPECT_EQ(findSection(file.get(), "[Key]"), 0);
-  EXPECT_EQ(readLine(file.get(), buffer), "last");
-  EXPECT_EQ(readLine(file.get(), buffer), std::nullopt);
+  EXPECT_EQ(file.readLine(buffer), "0123456");
+  EXPECT_EQ(file.readLine(buffer), "789\n");
+  EXPECT_EQ(file.readLine(buffer), "ab");
+  EXPECT_EQ(findSection(file, "[Key]"), 0);
+  EXPECT_EQ(file.readLine(buffer), "last");
+  EXPECT_EQ(file.readLine(buffer), std::nullopt);
   EXPECT_STREQ(buffer.data(), "");
   testing::internal::CaptureStdout();
-  EXPECT_EQ(findSection(file.get(), "[Key]"), -1);
+  EXPECT_EQ(findSection(file, "[Key]"), -1);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "\"[Key]\" is not found!!\n");
 }
 

@@ -38,8 +38,8 @@ int allocateParams(const TestConfig& config, AeadParams& params) {
 }
 
 void writeValue(TestFiles& files, const char* key, std::span<const std::uint8_t> value) {
-  writeLine(files.response.get(), key);
-  writeHex(files.response.get(), value);
+  writeLine(files.response, key);
+  writeHex(files.response, value);
 }
 
 // readSection finds the section `key` and reads its value, which has the length of `value`.
@@ -111,8 +111,8 @@ void writeResult(const TestConfig& config, TestFiles& files, const AeadParams& p
     const auto size = static_cast<std::size_t>(params.outputLength);
     writeValue(files, outputKey, params.output.bytes().first(size));
   } else {
-    writeLine(files.response.get(), outputKey);
-    writeLine(files.response.get(), "INVALID");
+    writeLine(files.response, outputKey);
+    writeLine(files.response, "INVALID");
   }
   writeValue(files, "[Tag]", params.tag.bytes());
 }

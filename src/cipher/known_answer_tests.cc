@@ -69,25 +69,25 @@ int compute(const KatTest& test, KatEntry& entry, CipherSites sites) {
 }
 
 void writeKeySection(KatTest& test) {
-  std::FILE* const response = test.files.response.get();
+  TextWriter& response = test.files.response;
   writeLine(response, test.keys.key.data());
   for (KatEntry& entry : test.entries) writeHex(response, keyOf(test, entry));
 }
 
 void writeInputSection(const KatTest& test) {
-  std::FILE* const response = test.files.response.get();
+  TextWriter& response = test.files.response;
   writeLine(response, test.keys.input.data());
   for (const KatEntry& entry : test.entries) writeBlockHex(response, entry.input);
 }
 
 void writeIvSection(const KatTest& test) {
   if (!isCbc(test.config)) return;
-  writeLine(test.files.response.get(), test.keys.iv.data());
-  writeBlockHex(test.files.response.get(), zeroBlock);
+  writeLine(test.files.response, test.keys.iv.data());
+  writeBlockHex(test.files.response, zeroBlock);
 }
 
 void writeOutputSection(const KatTest& test) {
-  std::FILE* const response = test.files.response.get();
+  TextWriter& response = test.files.response;
   writeLine(response, test.keys.output.data());
   for (const KatEntry& entry : test.entries) {
     writeBlockHex(response, std::span(entry.output).first<kBlockLength>());
@@ -105,8 +105,8 @@ int runVarText(KatTest& test) {
     if (result < 0) return result;
   }
   KatEntry zeroEntry{};
-  writeLine(test.files.response.get(), test.keys.key.data());
-  writeHex(test.files.response.get(), keyOf(test, zeroEntry));
+  writeLine(test.files.response, test.keys.key.data());
+  writeHex(test.files.response, keyOf(test, zeroEntry));
   writeInputSection(test);
   writeIvSection(test);
   writeOutputSection(test);
@@ -159,8 +159,8 @@ int enterKeySection(KatTest& test) {
 }
 
 void writeZeroPlaintext(const KatTest& test) {
-  writeLine(test.files.response.get(), test.keys.input.data());
-  writeBlockHex(test.files.response.get(), zeroBlock);
+  writeLine(test.files.response, test.keys.input.data());
+  writeBlockHex(test.files.response, zeroBlock);
 }
 
 int runVarKey(KatTest& test) {

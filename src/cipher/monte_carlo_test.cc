@@ -94,7 +94,7 @@ int runOuterLoop(const TestConfig& config, TestFiles& files, MonteCarlo& state) 
   for (int iteration = 0; iteration < state.outerCount; ++iteration) {
     result = runInnerLoop(config, state);
     if (result < 0) return result;
-    writeBlockHex(files.response.get(), blockOf(state.output));
+    writeBlockHex(files.response, blockOf(state.output));
     for (std::size_t i = 0; i < state.key.size(); ++i) state.key[i] ^= state.keyMaterial[i];
     if (!isEncryption(config)) copyBlock(blockOf(state.output), state.iv);
   }
@@ -106,8 +106,7 @@ int runTest(const TestConfig& config, TestFiles& files) {
   if (!state.text.allocate(kBlockLength)) return mallocFailedAt(2444);
   if (!state.output.allocate(2 * kBlockLength)) return mallocFailedAt(2445);
   if (readParameters(config, files, state) < 0) return -1;
-  writeLine(files.response.get(),
-            isEncryption(config) ? "[Ciphertext for MCT]" : "[Plaintext for MCT]");
+  writeLine(files.response, isEncryption(config) ? "[Ciphertext for MCT]" : "[Plaintext for MCT]");
   return runOuterLoop(config, files, state);
 }
 

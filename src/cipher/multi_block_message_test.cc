@@ -33,9 +33,8 @@ int computeMessage(const TestConfig& config, TestFiles& files, int length, const
   const int result = computeCipher(config, message.data(), length, key, iv, output.data(),
                                    {.encryption = 2390, .decryption = 2392});
   if (result < 0) return result;
-  writeLine(files.response.get(),
-            isEncryption(config) ? "[Ciphertext for MMT]" : "[Plaintext for MMT]");
-  writeHex(files.response.get(), output.first(size));
+  writeLine(files.response, isEncryption(config) ? "[Ciphertext for MMT]" : "[Plaintext for MMT]");
+  writeHex(files.response, output.first(size));
   return result;
 }
 

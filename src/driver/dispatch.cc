@@ -5,7 +5,6 @@
 #include <array>
 #include <cstdio>
 #include <ctime>
-#include <utility>
 
 #include "cipher/aead_test.h"
 #include "cipher/known_answer_tests.h"
@@ -35,16 +34,18 @@ bool isSameFile(const char* path, const char* otherPath) {
 }
 
 void startResponse(const char* responsePath) {
-  FileHandle response(std::fopen(responsePath, "w"));
-  if (!response) {
+  TextWriter response;
+  if (!response.create(responsePath)) {
     failOpening(responsePath);
     return;
   }
   const std::time_t now = std::time(nullptr);
   std::array<char, 32> date{};
   std::strftime(date.data(), date.size(), "%a %b %e %H:%M:%S %Y", std::localtime(&now));
-  std::fprintf(response.get(), "# Date: %s\n# File: Response file\n#\n", date.data());
-  closeWritten(std::move(response), responsePath);
+  writeText(response, "# Date: ");
+  writeLine(response, date.data());
+  writeText(response, "# File: Response file\n#\n");
+  closeWritten(response, responsePath);
 }
 
 void reportFinished(const char* name) { std::printf("%s finish normally\n", name); }

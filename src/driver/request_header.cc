@@ -102,9 +102,9 @@ Step stopWith(const char* message) {
 
 // echoValue writes `key` and the value line as read, which it returns.
 std::string_view echoValue(HeaderScan& scan, const char* key) {
-  writeLine(scan.files.response.get(), key);
+  writeLine(scan.files.response, key);
   const std::string_view value = nextValue(scan.files);
-  writeText(scan.files.response.get(), value);
+  writeText(scan.files.response, value);
   return value;
 }
 
@@ -177,9 +177,9 @@ Step echoOnly(HeaderScan& scan, const char* key) {
 }
 
 Step readAlgorithmName(HeaderScan& scan) {
-  writeLine(scan.files.response.get(), "[Algorithm Name]");
-  const auto name = readLine(scan.files.request.get(), scan.algorithmName);
-  writeText(scan.files.response.get(), name.value_or(""));
+  writeLine(scan.files.response, "[Algorithm Name]");
+  const auto name = scan.files.request.readLine(scan.algorithmName);
+  writeText(scan.files.response, name.value_or(""));
   return Step::NEXT;
 }
 
@@ -227,13 +227,13 @@ Step readHash(HeaderScan& scan) {
 }
 
 Step readCharacteristic(HeaderScan& scan) {
-  writeLine(scan.files.response.get(), "[Characteristic]");
+  writeLine(scan.files.response, "[Characteristic]");
   const std::string_view value = nextValue(scan.files);
   if (!value.starts_with('p')) {
     std::printf("unsupported characteristic(%s)!!\n", scan.line.data());
     return Step::REFUSE;
   }
-  writeText(scan.files.response.get(), value);
+  writeText(scan.files.response, value);
   return Step::NEXT;
 }
 
@@ -249,7 +249,7 @@ Step readKeyLength(HeaderScan& scan) {
 }
 
 Step readMaxTextLength(HeaderScan& scan, std::string_view keyLine) {
-  writeText(scan.files.response.get(), keyLine);
+  writeText(scan.files.response, keyLine);
   int bits = 0;
   echoDecimal(scan.files, bits);
   scan.config.maxTextLength = static_cast<int>((std::int64_t{bits} + 7) / 8);

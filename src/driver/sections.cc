@@ -6,17 +6,17 @@
 namespace runner {
 
 int enterSection(TestFiles& files, const char* key, int site) {
-  return findSection(files.request.get(), key) < 0 ? failAt(site) : 0;
+  return findSection(files.request, key) < 0 ? failAt(site) : 0;
 }
 
 int echoSection(TestFiles& files, const char* key, int site) {
   if (enterSection(files, key, site) < 0) return -1;
-  writeLine(files.response.get(), key);
+  writeLine(files.response, key);
   return 0;
 }
 
 std::optional<std::string_view> nextLine(TestFiles& files) {
-  return readLine(files.request.get(), files.line);
+  return files.request.readLine(files.line);
 }
 
 std::string_view nextValue(TestFiles& files) { return nextLine(files).value_or(""); }
@@ -35,13 +35,13 @@ int nextDecimal(TestFiles& files) {
 
 void echoDecimal(TestFiles& files, int& value) {
   value = nextDecimal(files);
-  writeDecimal(files.response.get(), value);
+  writeDecimal(files.response, value);
 }
 
 int echoPositive(TestFiles& files, int& value, const char* complaint, int most) {
   value = nextDecimal(files);
   if (value < 1 || value > most) return complaint != nullptr ? failWith(complaint) : -1;
-  writeDecimal(files.response.get(), value);
+  writeDecimal(files.response, value);
   return 0;
 }
 
@@ -51,7 +51,7 @@ int readHex(TestFiles& files, std::span<std::uint8_t> out, int site) {
 
 int echoHex(TestFiles& files, std::span<std::uint8_t> out, int site) {
   if (readHex(files, out, site) < 0) return -1;
-  writeHex(files.response.get(), out);
+  writeHex(files.response, out);
   return 0;
 }
 
@@ -65,7 +65,7 @@ int echoSized(TestFiles& files, std::string_view text, Buffer& value, std::size_
               ValueSites sites) {
   if (!value.allocate(size)) return mallocFailedAt(sites.allocation);
   if (hexToBin(text, value.bytes()) < 0) return failAt(sites.value);
-  writeHex(files.response.get(), value.bytes());
+  writeHex(files.response, value.bytes());
   return 0;
 }
 

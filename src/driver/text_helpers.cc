@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <climits>
+#include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <string>
 
 namespace runner {
 namespace {
@@ -54,30 +54,29 @@ int reportIllegalData(std::string_view text, std::size_t digits, std::span<std::
     out[index] =
         static_cast<std::uint8_t>(hexValue(static_cast<std::uint8_t>(text[digits - 1])) << 4);
   }
-  writeText(stdout, "\nillegal data!! (");
-  writeText(stdout, text.substr(digits));
-  std::printf(")\nnum=%d, i=%d, j=%d\n", static_cast<int>(out.size()), static_cast<int>(index),
+  const std::string_view rest = text.substr(digits);
+  std::printf("\nillegal data!! (%.*s)\nnum=%d, i=%d, j=%d\n", static_cast<int>(rest.size()),
+              rest.data(), static_cast<int>(out.size()), static_cast<int>(index),
               static_cast<int>(half));
   return -1;
 }
 
-void writeHexDigits(std::FILE* stream, std::span<const std::uint8_t> bytes, char ten) {
-  constexpr std::size_t kChunk = 8192;
-  std::array<char, 2 * kChunk + 1> digits;
-  while (true) {
-    const std::size_t count = std::min(bytes.size(), kChunk);
-    for (std::size_t i = 0; i < count; ++i) {
-      digits[2 * i] = hexDigit(static_cast<std::uint8_t>(bytes[i] >> 4), ten);
-      digits[2 * i + 1] = hexDigit(static_cast<std::uint8_t>(bytes[i] & 0x0F), ten);
-    }
-    bytes = bytes.subspan(count);
-    if (bytes.empty()) {
-      digits[2 * count] = '\n';
-      writeText(stream, {digits.data(), 2 * count + 1});
-      return;
-    }
-    writeText(stream, {digits.data(), 2 * count});
+void encodeDigits(std::span<const std::uint8_t> bytes, char* out, char ten) {
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    out[2 * i] = hexDigit(static_cast<std::uint8_t>(bytes[i] >> 4), ten);
+    out[2 * i + 1] = hexDigit(static_cast<std::uint8_t>(bytes[i] & 0x0F), ten);
   }
+}
+
+void writeHexDigits(TextWriter& stream, std::span<const std::uint8_t> bytes, char ten) {
+  constexpr std::size_t kChunk = kStreamBufferSize / 8;
+  while (bytes.size() > kChunk) {
+    encodeDigits(bytes.first(kChunk), stream.extend(2 * kChunk).data(), ten);
+    bytes = bytes.subspan(kChunk);
+  }
+  const std::span<char> text = stream.extend(2 * bytes.size() + 1);
+  encodeDigits(bytes, text.data(), ten);
+  text.back() = '\n';
 }
 
 // copyValue copies the value at the start of `text` for getStr.
@@ -97,20 +96,11 @@ int copyValue(std::string_view text, std::span<char> out) {
 
 }  // namespace
 
-std::optional<std::string_view> readLine(std::FILE* stream, std::span<char> buffer) {
-  const auto capacity = static_cast<int>(std::min<std::size_t>(buffer.size(), INT_MAX));
-  if (std::fgets(buffer.data(), capacity, stream) == nullptr) {
-    buffer[0] = '\0';
-    return std::nullopt;
-  }
-  return std::string_view(buffer.data());
-}
-
-int findSection(std::FILE* stream, const char* key) {
+int findSection(TextReader& stream, const char* key) {
   std::array<char, kSectionLineCapacity> buffer;
-  const std::size_t length = std::strlen(key);
-  while (std::fgets(buffer.data(), buffer.size(), stream) != nullptr) {
-    if (std::strncmp(buffer.data(), key, length) == 0) return 0;
+  const std::string_view start = key;
+  while (const auto line = stream.readLine(buffer)) {
+    if (line->starts_with(start)) return 0;
   }
   std::printf("\"%s\" is not found!!\n", key);
   return -1;
@@ -171,36 +161,32 @@ int hexToBlock(std::string_view text, std::span<std::uint8_t, 16> block) {
   return hexToBin(text, block);
 }
 
-void writeHex(std::FILE* stream, std::span<const std::uint8_t> bytes) {
+void writeHex(TextWriter& stream, std::span<const std::uint8_t> bytes) {
   writeHexDigits(stream, bytes, 'A');
 }
 
-void writeBlockHex(std::FILE* stream, std::span<const std::uint8_t, 16> block) {
+void writeBlockHex(TextWriter& stream, std::span<const std::uint8_t, 16> block) {
   writeHex(stream, block);
 }
 
-void writeLowerHex(std::FILE* stream, std::span<const std::uint8_t> bytes) {
+void writeLowerHex(TextWriter& stream, std::span<const std::uint8_t> bytes) {
   writeHexDigits(stream, bytes, 'a');
 }
 
-void writeText(std::FILE* stream, std::string_view text) {
-  std::fwrite(text.data(), 1, text.size(), stream);
+void writeText(TextWriter& stream, std::string_view text) { stream.write(text); }
+
+void writeLine(TextWriter& stream, std::string_view text) {
+  stream.write(text);
+  stream.write("\n");
 }
 
-void writeLine(std::FILE* stream, std::string_view text) {
-  writeText(stream, text);
-  std::fputc('\n', stream);
-}
+void writeDecimal(TextWriter& stream, int number) { writeLine(stream, std::to_string(number)); }
 
-void writeDecimal(std::FILE* stream, int number) { std::fprintf(stream, "%d\n", number); }
-
-void writeHashName(std::FILE* stream, HashId hashId) {
+void writeHashName(TextWriter& stream, HashId hashId) {
+  const HashProperties* const hash = findHash(hashId);
   writeLine(stream, "[Hash]");
-  if (const HashProperties* hash = findHash(hashId)) {
-    writeLine(stream, hash->name);
-  } else {
-    std::fprintf(stream, "unknown(%d)\n", static_cast<int>(hashId));
-  }
+  writeLine(stream, hash != nullptr ? std::string(hash->name)
+                                    : "unknown(" + std::to_string(static_cast<int>(hashId)) + ")");
 }
 
 }  // namespace runner

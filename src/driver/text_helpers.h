@@ -3,12 +3,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <optional>
 #include <span>
 #include <string_view>
 
 #include "driver/test_config.h"
+#include "driver/text_stream.h"
 
 // The vocabulary of request and response text: lines of a fixed capacity, section keys,
 // name = value lines, decimal numbers and hexadecimal byte strings. No function here keeps a state
@@ -16,16 +16,10 @@
 
 namespace runner {
 
-// readLine reads one line into `buffer`, whose size is the capacity of the line: at most size - 1
-// characters, up to and including the newline. The rest of a longer line is what the next call
-// reads. Returns the text up to its first zero byte, or nothing at the end of the stream, when the
-// buffer holds an empty text.
-std::optional<std::string_view> readLine(std::FILE* stream, std::span<char> buffer);
-
 // findSection reads lines of at most 511 characters until one begins with the whole `key`, and
 // leaves the stream at the line after it. Returns 0. When the stream ends first it prints
 // "\"KEY\" is not found!!" and returns -1.
-int findSection(std::FILE* stream, const char* key);
+int findSection(TextReader& stream, const char* key);
 
 // getStr finds `pattern` in `line` and copies the value that follows it, up to a carriage return, a
 // line feed, "]", a blank or the end of the line, with a closing zero byte into `out`, whose size
@@ -69,26 +63,26 @@ int hexToBlock(std::string_view text, std::span<std::uint8_t, 16> block);
 
 // writeHex writes two upper-case hexadecimal digits a byte and a newline; a newline alone for no
 // bytes.
-void writeHex(std::FILE* stream, std::span<const std::uint8_t> bytes);
+void writeHex(TextWriter& stream, std::span<const std::uint8_t> bytes);
 
 // writeBlockHex is writeHex for a 16-byte block.
-void writeBlockHex(std::FILE* stream, std::span<const std::uint8_t, 16> block);
+void writeBlockHex(TextWriter& stream, std::span<const std::uint8_t, 16> block);
 
 // writeLowerHex writes as writeHex does, in lower case.
-void writeLowerHex(std::FILE* stream, std::span<const std::uint8_t> bytes);
+void writeLowerHex(TextWriter& stream, std::span<const std::uint8_t> bytes);
 
 // writeText writes `text` as it stands.
-void writeText(std::FILE* stream, std::string_view text);
+void writeText(TextWriter& stream, std::string_view text);
 
 // writeLine writes `text` and a newline.
-void writeLine(std::FILE* stream, std::string_view text);
+void writeLine(TextWriter& stream, std::string_view text);
 
 // writeDecimal writes `number` in decimal and a newline.
-void writeDecimal(std::FILE* stream, int number);
+void writeDecimal(TextWriter& stream, int number);
 
 // writeHashName writes "[Hash]" and the name of the hash ("M_Hash_SHA256"), or "unknown(%d)" with
 // the number of an unknown hash, as two lines.
-void writeHashName(std::FILE* stream, HashId hashId);
+void writeHashName(TextWriter& stream, HashId hashId);
 
 }  // namespace runner
 

@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "driver/diagnostics.h"
-#include "driver/test_files.h"
 #include "driver/text_helpers.h"
+#include "driver/text_stream.h"
 
 namespace runner {
 namespace {
@@ -168,12 +168,12 @@ bool setItem(TestConfig& config, Item item, int number) {
 }
 
 // readItems reads lines until all items have been seen. Returns false when the file ends first.
-bool readItems(TestConfig& config, std::FILE* request, std::span<char> buffer,
+bool readItems(TestConfig& config, TextReader& request, std::span<char> buffer,
                std::span<const ItemLine> rows) {
   unsigned missing = 0;
   for (const ItemLine& row : rows) missing |= bitOf(row.item);
   while (missing != 0) {
-    const auto line = readLine(request, buffer);
+    const auto line = request.readLine(buffer);
     if (!line) return false;
     for (const ItemLine& row : rows) {
       const auto number = findItem(*line, row);
@@ -189,15 +189,15 @@ bool readItems(TestConfig& config, std::FILE* request, std::span<char> buffer,
 }
 
 // scanForNumber reads lines until one has the value of `pattern`; nothing when the file ends first.
-std::optional<int> scanForNumber(std::FILE* request, std::span<char> buffer, const char* pattern) {
-  while (const auto line = readLine(request, buffer)) {
+std::optional<int> scanForNumber(TextReader& request, std::span<char> buffer, const char* pattern) {
+  while (const auto line = request.readLine(buffer)) {
     if (const auto number = findNumber(*line, pattern)) return number;
   }
   return std::nullopt;
 }
 
 // readHeader returns false when the file ends before the header is complete.
-bool readHeader(TestConfig& config, std::FILE* request, const Form& form) {
+bool readHeader(TestConfig& config, TextReader& request, const Form& form) {
   std::array<char, kLineCapacity> buffer{};
   if (!readItems(config, request, buffer, form.items)) return false;
   const auto bits = scanForNumber(request, buffer, form.messageLength);
@@ -214,10 +214,10 @@ bool readHeader(TestConfig& config, std::FILE* request, const Form& form) {
 }  // namespace
 
 int parseValueListHeader(TestConfig& config, const char* requestPath, ValueListForm form) {
-  const FileHandle request(std::fopen(requestPath, "r"));
-  if (!request) return failOpening(requestPath);
+  TextReader request;
+  if (!request.open(requestPath)) return failOpening(requestPath);
   const Form& lines = forms[static_cast<std::size_t>(form)];
-  return readHeader(config, request.get(), lines) ? 0 : failWith("request is inadequate!!");
+  return readHeader(config, request, lines) ? 0 : failWith("request is inadequate!!");
 }
 
 }  // namespace runner

@@ -17,7 +17,7 @@ int echoCofactor(TestFiles& files, Buffer& text, int allocationSite) {
   const std::string_view digits = line.substr(0, countHexDigits(line));
   if (!text.allocate(digits.size() + 1)) return mallocFailedAt(allocationSite);
   std::ranges::copy(digits, text.text().begin());
-  writeLine(files.response.get(), digits);
+  writeLine(files.response, digits);
   return 0;
 }
 

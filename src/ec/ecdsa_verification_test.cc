@@ -42,14 +42,14 @@ int verifyRecord(const TestConfig& config, EcParams& params, const KeyRecord& re
 
 int verifyRecords(const TestConfig& config, TestFiles& files, EcParams& params,
                   const RecordList<KeyRecord>& records) {
-  writeLine(files.response.get(), "[Results]");
+  writeLine(files.response, "[Results]");
   curveLookupPending = 1;
   int index = 0;
   for (const KeyRecord& record : records) {
     const int result = verifyRecord(config, params, record, index++);
     curveLookupPending = 0;
     if (result < 0) return -1;
-    writeDecimal(files.response.get(), result);
+    writeDecimal(files.response, result);
   }
   return 0;
 }
@@ -60,7 +60,7 @@ int runTest(const TestConfig& config, TestFiles& files) {
   int bits = 0;
   int count = 0;
   if (readDomain(files, domain, kDomainSites) < 0) return -1;
-  writeHashName(files.response.get(), config.hashId);
+  writeHashName(files.response, config.hashId);
   if (echoSection(files, "[Bitlength of Plaintexts]", 4966) < 0) return -1;
   if (echoPositive(files, bits, nullptr) < 0) return -1;
   if (echoSection(files, "[Number of Plaintexts]", 4980) < 0) return -1;

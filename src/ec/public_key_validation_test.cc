@@ -46,8 +46,8 @@ int validateKeys(const TestConfig& config, TestFiles& files, EcDomain& domain, i
     results.push_back(result);
     curveLookupPending = 0;
   }
-  writeLine(files.response.get(), "[Results]");
-  for (const int result : results) writeDecimal(files.response.get(), result);
+  writeLine(files.response, "[Results]");
+  for (const int result : results) writeDecimal(files.response, result);
   return 0;
 }
 

@@ -114,12 +114,12 @@ int echoMessage(MessageRun& run, std::size_t length, std::size_t longest) {
   if (!reserve(run.message, length, longest)) return mallocFailedAt(run.test.message.allocation);
   const auto message = run.message.bytes().first(length);
   if (hexToBin(line, message) < 0) return failAt(run.test.message.value);
-  writeHex(run.files.response.get(), message);
+  writeHex(run.files.response, message);
   return 0;
 }
 
 void writeResults(MessageRun& run, std::size_t count) {
-  std::FILE* const response = run.files.response.get();
+  TextWriter& response = run.files.response;
   writeLine(response, computesMac(run.config) ? run.test.macKey : run.test.hashKey);
   for (std::size_t index = 0; index < count; ++index) writeHex(response, resultSlot(run, index));
 }

@@ -67,9 +67,9 @@ int startChain(TestFiles& files, Chain& chain, std::string_view seedText, int bi
   if (!chain.seed.allocate(chain.slotLength)) return mallocFailedAt(6296);
   const auto seed = chain.seed.bytes().first(chain.seedLength);
   if (hexToBin(seedText, seed) < 0) return failAt(6297);
-  writeHex(files.response.get(), seed);
-  writeLine(files.response.get(), "[Bitlength of Initial Data for PGMT]");
-  writeDecimal(files.response.get(), bits);
+  writeHex(files.response, seed);
+  writeLine(files.response, "[Bitlength of Initial Data for PGMT]");
+  writeDecimal(files.response, bits);
   if (!chain.slots.allocate(kSlots * chain.slotLength)) return mallocFailedAt(6305);
   if (!chain.message.allocate(kParts * chain.slotLength)) return mallocFailedAt(6306);
   return 0;
@@ -106,7 +106,7 @@ int runPass(const TestConfig& config, Chain& chain, const Buffer& key, int inner
 
 int runPasses(const TestConfig& config, TestFiles& files, Chain& chain, const Buffer& key,
               LoopCounts counts) {
-  std::FILE* const response = files.response.get();
+  TextWriter& response = files.response;
   writeLine(response, computesMac(config) ? "[MAC of PGMT]" : "[Hash Value of PGMT]");
   for (int pass = 0; pass < counts.outer; ++pass) {
     if (runPass(config, chain, key, counts.inner) < 0) return -1;

@@ -70,7 +70,7 @@ int readRequest(const TestConfig& config, TestFiles& files, DsaRequest& request)
   int bits = 0;
   int count = 0;
   if (readDomainParameters(files, request) < 0) return -1;
-  writeHashName(files.response.get(), config.hashId);
+  writeHashName(files.response, config.hashId);
   if (echoSection(files, "[Bitlength of Plaintexts]", 4178) < 0) return -1;
   if (echoPositive(files, bits, nullptr) < 0) return -1;
   if (echoSection(files, "[Number of Plaintexts]", 4192) < 0) return -1;
@@ -94,11 +94,11 @@ int verifyRecord(const TestConfig& config, const DsaRequest& request, const KeyR
 int runTest(const TestConfig& config, TestFiles& files) {
   DsaRequest request;
   if (readRequest(config, files, request) < 0) return -1;
-  writeLine(files.response.get(), "[Results]");
+  writeLine(files.response, "[Results]");
   for (const KeyRecord& record : request.records) {
     const int result = verifyRecord(config, request, record);
     if (result < 0) return -1;
-    writeDecimal(files.response.get(), result);
+    writeDecimal(files.response, result);
   }
   return 0;
 }

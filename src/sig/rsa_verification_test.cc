@@ -24,7 +24,7 @@ int readModulus(const TestConfig& config, TestFiles& files, Buffer& modulus) {
   if (echoSection(files, "[Bitlength of Modulus]", 5551) < 0) return -1;
   echoDecimal(files, bits);
   if (!modulus.allocate(bytesForBits(bits))) return mallocFailedAt(5561);
-  writeHashName(files.response.get(), config.hashId);
+  writeHashName(files.response, config.hashId);
   return echoHexSection(files, "[n]", modulus.bytes(), {.section = 5567, .value = 5571});
 }
 
@@ -78,11 +78,11 @@ int verifyRecord(const TestConfig& config, const Buffer& modulus, const KeyRecor
 int runTest(const TestConfig& config, TestFiles& files) {
   RsaRequest request;
   if (readRequest(config, files, request) < 0) return -1;
-  writeLine(files.response.get(), "[Results]");
+  writeLine(files.response, "[Results]");
   for (const KeyRecord& record : request.records) {
     const int result = verifyRecord(config, request.modulus, record);
     if (result < 0) return -1;
-    writeDecimal(files.response.get(), result);
+    writeDecimal(files.response, result);
   }
   return 0;
 }

@@ -15,17 +15,17 @@ constexpr std::size_t kLineCapacity = 128;
 constexpr std::size_t kNumberCapacity = 128;
 
 void writeNamedValue(TestFiles& files, const char* name, std::span<const std::uint8_t> value) {
-  writeText(files.response.get(), name);
-  writeLowerHex(files.response.get(), value);
+  writeText(files.response, name);
+  writeLowerHex(files.response, value);
 }
 
 }  // namespace
 
 bool findGroup(TestFiles& files, std::span<const char* const> marks) {
   std::array<char, kLineCapacity> buffer{};
-  while (const auto line = readLine(files.request.get(), buffer)) {
+  while (const auto line = files.request.readLine(buffer)) {
     if (line->starts_with('#')) continue;
-    writeText(files.response.get(), *line);
+    writeText(files.response, *line);
     const auto isInLine = [&line](const char* mark) {
       return line->find(mark) != std::string_view::npos;
     };
@@ -40,7 +40,7 @@ int findRecord(TestFiles& files, int expected, int count) {
   std::array<char, kNumberCapacity> number{};
   while (const auto line = nextLine(files)) {
     if (line->starts_with('#')) continue;
-    writeText(files.response.get(), *line);
+    writeText(files.response, *line);
     if (getStr(*line, "COUNT = ?", number) == 0) continue;
     if (decimal(number.data()) == expected) return 1;
     std::printf("[ERR]count %d is not found!!\n", expected);
@@ -99,7 +99,7 @@ int echoValues(TestFiles& files, std::initializer_list<RecordValue*> values,
 }
 
 void writeVerdict(TestFiles& files, int result) {
-  writeLine(files.response.get(), result == 0 ? "Result = P" : "Result = F");
+  writeLine(files.response, result == 0 ? "Result = P" : "Result = F");
 }
 
 }  // namespace runner
