@@ -36,16 +36,19 @@ bool TextReader::refill() {
 std::optional<std::string_view> TextReader::readLine(std::span<char> line) {
   const std::size_t room = line.size() - 1;
   std::size_t length = 0;
+  std::size_t textLength = std::string_view::npos;  // up to a zero byte, when there is one
   while (length < room && (!unread_.empty() || refill())) {
-    const std::size_t count = endOfLine(unread_.substr(0, room - length));
-    std::memcpy(&line[length], unread_.data(), count);
-    unread_.remove_prefix(count);
-    length += count;
-    if (line[length - 1] == '\n') break;
+    const std::string_view piece = unread_.substr(0, endOfLine(unread_.substr(0, room - length)));
+    const std::size_t zero = piece.find('\0');
+    if (zero != std::string_view::npos) textLength = std::min(textLength, length + zero);
+    std::memcpy(&line[length], piece.data(), piece.size());
+    length += piece.size();
+    unread_.remove_prefix(piece.size());
+    if (piece.back() == '\n') break;
   }
   line[length] = '\0';
   if (length == 0) return std::nullopt;
-  return std::string_view(line.data());
+  return std::string_view(line.data(), std::min(length, textLength));
 }
 
 TextWriter::~TextWriter() {

@@ -1,6 +1,7 @@
 #include "support/run_request.h"
 
 #include <gtest/gtest.h>
+#include <openssl/err.h>
 #include <sys/wait.h>
 
 #include <array>
@@ -69,6 +70,8 @@ Outcome runInProcess(std::string_view request, runner::CryptEngine engine) {
   const std::string requestPath = dir.file("request");
   const std::string responsePath = dir.file("response");
   writeFile(requestPath, request);
+  // What an earlier test left in OpenSSL's error queue would be reported by this one.
+  ERR_clear_error();
   runner::TestConfig config;
   Outcome outcome;
   testing::internal::CaptureStdout();
