@@ -46,6 +46,7 @@ TEST_P(CaseFile, HoldsWhatTheProgramDoes) {
   const std::vector<RequestCase> cases = readCaseFile(path);
   ASSERT_GT(cases.size(), 1U) << "no cases in " << path;
   const RequestCase& sound = cases.front();
+  ASSERT_FALSE(sound.engines.empty()) << "no engines in " << path;
   for (const RequestCase& row : cases) {
     const testing::ScopedTrace trace(path.c_str(), row.line, "the case that begins here");
     for (const int engine : row.engines.empty() ? sound.engines : row.engines) {
@@ -53,6 +54,8 @@ TEST_P(CaseFile, HoldsWhatTheProgramDoes) {
     }
   }
 }
+
+TEST(CaseFiles, AreFound) { EXPECT_FALSE(caseFiles().empty()); }
 
 TEST(Patterns, MatchWhatTheyName) {
   EXPECT_EQ(edited("abcabc", "b...c", "-"), "a-abc");

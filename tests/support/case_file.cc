@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "support/run_request.h"
 
@@ -18,6 +22,7 @@ std::string expanded(const std::string& text) {
     } else if (text[i] == '{') {
       const std::size_t star = text.find('*', i);
       const std::size_t end = text.find('}', i);
+      if (end == std::string::npos) throw std::invalid_argument(text);
       const std::string repeated = text.substr(star + 1, end - star - 1);
       for (int count = std::stoi(text.substr(i + 1)); count > 0; --count) result += repeated;
       i = end;

@@ -2,7 +2,8 @@
 #define RUNNER_TESTS_SUPPORT_FAILING_ALLOCATOR_H_
 
 // FailingAllocator makes the aligned allocator of this process fail once, after `successes` further
-// allocations, for as long as it lives. The test program is linked with --wrap=aligned_alloc.
+// allocations (never if that is negative), for as long as it lives. The test program is linked with
+// --wrap=aligned_alloc.
 class FailingAllocator {
  public:
   explicit FailingAllocator(int successes);
