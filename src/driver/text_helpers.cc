@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <string>
 
+#include "driver/diagnostics.h"
+
 // Marks a loop over long values, which is compiled for AVX2 as well; the faster one is chosen when
 // the program is loaded.
 #if defined(__x86_64__)
@@ -95,11 +97,11 @@ int copyValue(std::string_view text, std::span<char> out) {
   const std::size_t room = out.size() - 1;
   // A value that fills the room must be the end of the text: a terminator after it is one character
   // too many.
+  std::copy_n(text.begin(), std::min(length, room), out.begin());
   if (length > room || (length == room && length < text.size())) {
-    std::printf("[ERR]%s: not enough buffer!!\n", "getStr");
+    failWith("[ERR]getStr: not enough buffer!!");
     return 0;
   }
-  std::copy_n(text.begin(), length, out.begin());
   out[length] = '\0';
   return 1;
 }

@@ -18,7 +18,7 @@ enum class ValueListForm : int {
 };
 
 // parseValueListHeader reads the header of a value-list request from the start of the file and
-// fills `config` with what it names. Lines are read with a capacity of 48 characters, values with
+// fills `config` with what it names. Lines have at most 47 characters, values with
 // one of 8; n is a decimal number. The items of a form come in any order, several on a line where
 // their texts allow it, and the last one of a kind counts; items without a "[" may stand anywhere
 // in a line.

@@ -19,8 +19,8 @@ void writeNamedValue(TestFiles& files, const char* name, std::span<const std::ui
   writeLowerHex(files.response, value);
 }
 
-}  // namespace
-
+// findGroup copies lines up to and including the next one that contains all `marks`. Returns false
+// at the end of the file.
 bool findGroup(TestFiles& files, std::span<const char* const> marks) {
   std::array<char, kLineCapacity> buffer{};
   while (const auto line = files.request.readLine(buffer)) {
@@ -32,6 +32,18 @@ bool findGroup(TestFiles& files, std::span<const char* const> marks) {
     if (std::ranges::all_of(marks, isInLine)) return true;
   }
   return false;
+}
+
+}  // namespace
+
+int testGroups(const TestConfig& config, TestFiles& files, std::span<const char* const> marks,
+               int (*testGroup)(const TestConfig&, TestFiles&)) {
+  int result = -1;
+  while (findGroup(files, marks)) {
+    result = testGroup(config, files);
+    if (result < 0) break;
+  }
+  return result;
 }
 
 int findRecord(TestFiles& files, int expected, int count) {
