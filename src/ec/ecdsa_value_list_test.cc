@@ -47,6 +47,7 @@ int allocateGroup(Group& group) {
 
 // nameCurve sets namedCurveId to the curve that the request names; an unknown name changes nothing.
 void nameCurve(const TestConfig& config) {
+  if (config.curveName == nullptr) return;
   const std::string_view name = std::string_view(config.curveName).substr(0, 5);
   for (std::size_t index = 0; index < curveTable.size(); ++index) {
     if (name != curveTable[index].name) continue;

@@ -47,7 +47,7 @@ int testGroups(const TestConfig& config, TestFiles& files, std::span<const char*
 }
 
 int findRecord(TestFiles& files, int expected, int count) {
-  // A count below 1 is that of no group: such a group goes on to the end of the file.
+  // No record number equals a count below 1: such a group goes on to the end of the file.
   if (expected > 0 && expected == count) return 0;
   std::array<char, kNumberCapacity> number{};
   while (const auto line = nextLine(files)) {

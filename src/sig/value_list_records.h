@@ -25,8 +25,8 @@
 //   Result = ...                   written as "Result = P" or "Result = F"
 //
 // The lines from COUNT to Result follow one another directly. Within a group lines are read into
-// TestFiles::line, whose capacity the group sets; outside one, where it is not used, with a
-// capacity of 128 characters. A longer line is seen as several. The `site` that a step takes is the
+// TestFiles::line, whose capacity the group sets; outside one, where it is not used, with at
+// most 127 characters. A longer line is seen as several. The `site` that a step takes is the
 // number of its failure line.
 
 namespace runner {
