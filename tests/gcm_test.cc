@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "cipher/aead_engine.h"
-#include "support/failing_allocator.h"
 #include "support/run_request.h"
 
 namespace runner {
@@ -87,121 +87,6 @@ TEST(AeadEngine, GivesThePublishedAnswers) {
     EXPECT_EQ(execAeadDecrypt(config, params), 0);
     EXPECT_EQ(params.tagValid, 0);
     EXPECT_EQ(contentOf(params.output), std::vector<std::uint8_t>(60));
-  }
-}
-
-const std::string kHeader =
-    "[Algorithm Name]\nGCM/GMAC\n[Function Name]\nEncryption\n[Bitlength of Key]\n128\n"
-    "[Max BitLength of Plaintext]\n480\n";
-const std::string kDecryptionHeader =
-    edited(edited(kHeader, "Encryption", "Decryption"), "Plaintext", "Ciphertext");
-const std::string kDone = "procAEAD finish normally\n";
-const std::string kKeySection = "[Key]\n" + kKey + "\n";
-const std::string kIvSection = "[IV]\n" + kIv + "\n";
-const std::string kAadSection = "[AAD]\n" + kAad + "\n";
-const std::string kTagSection = "[Tag]\n" + kTag + "\n";
-// Case 1 of the submission: no text and no AAD under zeros.
-const std::string kZeroKey = "[Key]\n" + std::string(32, '0') + "\n";
-const std::string kZeroIv = "[IV]\n" + std::string(24, '0') + "\n";
-const std::string kZeroTag = "[Tag]\n58E2FCCEFA7E3061367F1D57A4E7455A\n";
-
-const std::string kEncryption = kHeader + "[Number of Plaintexts]\n2\n" + kKeySection + kIvSection +
-                                "[Plaintext]\n" + kText + "\n" + kAadSection + kZeroKey + kZeroIv +
-                                "[Plaintext]\n\n[AAD]\n\n";
-const std::string kCiphertextCase =
-    kKeySection + kIvSection + "[Ciphertext]\n" + kAnswer + "\n" + kAadSection;
-
-// Cases whose tag is wrong, after one with a text and before one without.
-TEST(AeadRequest, WithholdsWhatDoesNotVerify) {
-  const std::string start = kDecryptionHeader + "[Number of Ciphertexts]\n4\n";
-  const std::string wrong = edited(kCiphertextCase, "[AAD]\nFE", "[AAD]\nFF");
-  const std::string zeros = kZeroKey + kZeroIv + "[Ciphertext]\n\n[AAD]\n\n";
-  const std::string invalid = "[Plaintext]\nINVALID\n" + kTagSection;
-  // Whatever follows the last case is not read.
-  const std::string request = start + kCiphertextCase + kTagSection + wrong + kTagSection + zeros +
-                              kTagSection + zeros + kZeroTag + "[Key]\nnone\n";
-  const std::string response = start + kCiphertextCase + "[Plaintext]\n" + kText + "\n" +
-                               kTagSection + wrong + invalid + zeros + invalid + zeros +
-                               "[Plaintext]\n\n" + kZeroTag;
-  for (const CryptEngine engine : {CryptEngine::GNUTLS, CryptEngine::OPENSSL}) {
-    const Outcome outcome = runInProcess(request, engine);
-    EXPECT_EQ(outcome.console, kDone);
-    EXPECT_EQ(outcome.response, response);
-  }
-}
-
-struct Edit {
-  std::string from;
-  std::string to;
-  std::string console;  // without the line of the failure site
-  int site;             // 0 if there is none
-  std::string tail;     // the end of the response
-  CryptEngine engine = CryptEngine::GNUTLS;
-};
-
-void expectOutcomes(const std::string& request, const std::vector<Edit>& edits) {
-  for (const Edit& row : edits) {
-    SCOPED_TRACE(row.from + " -> " + row.to);
-    const Outcome outcome = runInProcess(edited(request, row.from, row.to), row.engine);
-    const std::string site =
-        row.site == 0 ? "" : "err happens!! (" + std::to_string(row.site) + ")\n";
-    EXPECT_EQ(outcome.console, row.console + site);
-    EXPECT_TRUE(outcome.response.ends_with(row.tail)) << outcome.response;
-  }
-}
-
-TEST(AeadRequest, FailsStepByStep) {
-  const std::string count = "[Number of Plaintexts]\n";
-  const std::string keyed = count + "2\n" + kKeySection;
-  const std::string withIv = keyed + kIvSection;
-  const std::string tooLong = "unexpected long data!!\n";
-  expectOutcomes(kEncryption,
-                 {{"s]", "]", "\"[Number of Plaintexts]\" is not found!!\n", 6565, "480\n"},
-                  {"s]\n2", "s]\n0", "", 0, count},
-                  {"s]\n2", "s]\n-2", "", 0, count},
-                  {"s]\n2", "s]\n2147483647", "\"[Key]\" is not found!!\n", 6587, kZeroTag},
-                  {"[Key]\n00", "[Key]\n", "\nillegal data!! (\n)\nnum=16, i=15, j=0\n", 6589,
-                   "[Ciphertext]\n" + kAnswer + "\n" + kTagSection},
-                  {kZeroIv, "", "\"[IV]\" is not found!!\n", 6595, kZeroKey},
-                  {kIv, kIv + "0", "\nillegal data!! (\n)\nnum=13, i=12, j=1\n", 6599, keyed},
-                  {kIv, kLongIv.substr(0, 65), tooLong, 6599, keyed},
-                  {kIv, kLongIv.substr(0, 64), "aead_encrypt_gnutls : initialize error!!\n", 6626,
-                   kAadSection},
-                  {kIv, kLongIv.substr(0, 64), kDone, 0, kZeroTag, CryptEngine::OPENSSL},
-                  {kIv, "", "aead_encrypt_openssl : SET_IVLEN error!!\n", 6626, kAadSection,
-                   CryptEngine::OPENSSL},
-                  {"", "", "execAeadEncrypt : unsupported crypt engine!!\n", 6626, kAadSection,
-                   CryptEngine::HDD},
-                  {"[Plaintext]\n\n", "", "\"[Plaintext]\" is not found!!\n", 6605, kZeroIv},
-                  {kText, "0", "\nillegal data!! (\n)\nnum=1, i=0, j=1\n", 6609, withIv},
-                  {kText, kText + "0", tooLong, 6609, withIv},
-                  {"480", "472", tooLong, 6609, withIv},
-                  {"480", "-480", tooLong, 6609, withIv},
-                  {"480", "long", tooLong, 6609, withIv},
-                  {"[AAD]\n\n", "", "\"[AAD]\" is not found!!\n", 6615, "[Plaintext]\n\n"},
-                  {kAad, "0x", "\nillegal data!! (x\n)\nnum=1, i=0, j=1\n", 6619, kText + "\n"},
-                  {kAad, kAad + kAad.substr(0, 25), tooLong, 6619, kText + "\n"},
-                  {kAad, kAad + kAad.substr(0, 24) + "\r", kDone, 0, kZeroTag}});
-  expectOutcomes(
-      kDecryptionHeader + "[Number of Ciphertexts]\n1\n" + kCiphertextCase + kTagSection,
-      {{"s]", "]", "\"[Number of Ciphertexts]\" is not found!!\n", 6565, "480\n"},
-       {"[Ciphertext]", "[]", "\"[Ciphertext]\" is not found!!\n", 6605, kIvSection},
-       {"[Tag]", "[]", "\"[Tag]\" is not found!!\n", 6630, kAadSection},
-       {kTag, "", "\nillegal data!! (\n)\nnum=16, i=0, j=0\n", 6632, kAadSection},
-       {kIv, kIv + "00", "aead_decrypt_gnutls : initialize error!!\n", 6634, kAadSection},
-       {"", "", "execAeadDecrypt : unsupported crypt engine!!\n", 6634, kAadSection,
-        CryptEngine::HDD}});
-  // A key of 64 bytes, as some MAC has it, is no AES key.
-  const std::string longKey = edited(edited(kEncryption, "128", "512"), kKey, kText + "00112233");
-  EXPECT_EQ(runInProcess(longKey).console,
-            "aead_encrypt_gnutls : initialize error!!\nerr happens!! (6626)\n");
-}
-
-TEST(AeadRequest, ReportsAllocationsThatFail) {
-  int successes = 0;
-  for (const int site : {6560, 6576, 6577, 6578, 6579, 6580, 6581}) {
-    const FailingAllocator failing(successes++);
-    EXPECT_EQ(runInProcess(kEncryption).console, "malloc err!! (" + std::to_string(site) + ")\n");
   }
 }
 

@@ -9,10 +9,6 @@
 namespace runner {
 namespace {
 
-constexpr std::string_view kAesHeader =
-    "# comment\n[Algorithm Name]\nAES\n\n[Function Name]\nEncryption\n[Modes of Operation]\nCBC\n"
-    "[Bitlength of Key]\n128\n";
-
 struct Parsed {
   TestConfig config;
   int result = 0;
@@ -33,20 +29,13 @@ Parsed parse(std::string_view request) {
 }
 
 TEST(RequestHeader, FillsTheConfigAndEchoesItsSections) {
-  const Parsed aes = parse(std::string(kAesHeader) + "[Key for KAT-Key]\n00\n");
-  EXPECT_EQ(aes.result, 0);
-  EXPECT_EQ(aes.console, "");
-  EXPECT_EQ(aes.response,
-            "[Algorithm Name]\nAES\n[Function Name]\nEncryption\n[Modes of Operation]\nCBC\n"
-            "[Bitlength of Key]\n128\n");
-  EXPECT_EQ(aes.config.keyLength, 16);
-
   // Key lines are echoed in their own form, save those of the maximum lengths, which stand as read.
   const Parsed gcm = parse(
       "[Algorithm Name]\nGCM/GMAC AES\n[Function Name] x\nDecryption\n[Bitlength of Key]\n256\n"
       "[Min BitLength of IV] y\n96\n[Max BitLength of Plaintext]\n  +0129z\n"
       "[Max BitLength of Ciphertext] z\n-9");
   EXPECT_EQ(gcm.result, 0);
+  EXPECT_EQ(gcm.console, "");
   EXPECT_EQ(gcm.config.testFunction, TestFunction::AEAD_DECRYPTION);
   EXPECT_EQ(gcm.config.keyLength, 32);
   EXPECT_EQ(gcm.config.maxTextLength, 0);
@@ -100,47 +89,52 @@ TEST(RequestHeader, ResolvesFunctionAndAlgorithm) {
   }
 }
 
-TEST(RequestHeader, RefusesWithItsReason) {
-  struct Case {
-    std::string_view from;
-    std::string_view to;
-    std::string_view console;
-    std::string_view tail;  // last line of the response
-  };
-  const char* const kInadequate = "request is inadequate!!\n";
-  const Case cases[] = {
-      {"Encryption", "encryption", "unexpected function name!!\nrequest is inadequate!!\n",
-       "encryption\n"},
-      {"AES\n", "DES\n", "unexpected algorithm name!!\nrequest is inadequate!!\n", "Encryption\n"},
-      {"[Algorithm Name]\nAES\n", "", "unexpected algorithm name!!\nrequest is inadequate!!\n",
-       "Encryption\n"},
-      {"CBC", "CTR", "unexpected operation mode name!!\nrequest is inadequate!!\n", "CTR\n"},
-      {"128", "129", "unexpected key length!!\nrequest is inadequate!!\n", "129\n"},
-      {"128\n", "", "unexpected key length!!\nrequest is inadequate!!\n", "[Bitlength of Key]\n"},
-      {"# comment\n", "[Data Format]\nbits\n", "unknown data format!!\nrequest is inadequate!!\n",
-       "bits\n"},
-      {"# comment\n", "[Characteristic]\nx\n", "unsupported characteristic(x\n)!!\n",
-       "[Characteristic]\n"},
-      {"# comment\n", "[Hash]\nM_Hash_SHA256\n", kInadequate, "128\n"},
-      {"[Modes of Operation]\n", "", kInadequate, "128\n"},
-      // The name is cut at 31 characters; the rest of its line is skipped as a line of its own.
-      {"AES\n", "A name that is much longer than a name may be\n",
-       "unexpected algorithm name!!\nrequest is inadequate!!\n", "Encryption\n"},
-  };
-  for (const Case& row : cases) {
-    SCOPED_TRACE(row.to);
-    const Parsed parsed = parse(edited(kAesHeader, row.from, row.to));
-    EXPECT_EQ(parsed.result, -1);
-    EXPECT_EQ(parsed.console, row.console);
-    EXPECT_EQ(lastLines(parsed.response, 1), row.tail);
+// The headers of value-list requests.
+const std::string kDrbg =
+    "# CTR_DRBG\n[AlgorithmName = CTR_DRBG no df]\n[UnderlyingAlgorithm = AES-256]\n"
+    "[SecurityStrength = 128]\n[RequestedNumberOfBits = 511]\n[NumberOfTrials = 15]\n";
+const std::string kEcdsa =
+    "# ECDSA\n[TargetFunction = SignatureVerification]\n[Curve = P-384]\n"
+    "[HashAlgorithm = SHA-224]\n[BitLengthOfMessage = 1024]\n[NumberOfMessages = 15]\n";
+const std::string kFfc =
+    "# DSA\n[TargetFunction = SignatureVerification]\n[FFCDomainParameterSizeSet = (2048, 256)]\n"
+    "[L = 2048]\n[N = 256]\n[HashAlgorithm = SHA-512]\n[BitLengthOfMessage = 1024]\n"
+    "[NumberOfMessages = 7]\n";
+
+// fieldsOf returns what a value-list header fills in: function, mode, hash, key length, subgroup
+// length, message length, count, flags and curve.
+std::string fieldsOf(const TestConfig& config) {
+  std::string fields;
+  for (const int number : {static_cast<int>(config.testFunction), static_cast<int>(config.mode),
+                           static_cast<int>(config.hashId), config.keyLength, config.subgroupLength,
+                           config.messageLength, config.count, static_cast<int>(config.flags)}) {
+    fields += std::to_string(number) + " ";
+  }
+  return fields + (config.curveName != nullptr ? config.curveName : "-");
+}
+
+TEST(ValueListHeader, FillsTheConfig) {
+  EXPECT_EQ(fieldsOf(parse(kDrbg).config), "10 1 0 16 0 63 15 1 -");
+  EXPECT_EQ(fieldsOf(parse(kEcdsa).config), "5 9 3 28 0 128 15 1 P-384");
+  EXPECT_EQ(fieldsOf(parse(kFfc).config), "5 8 6 256 32 128 7 1 -");
+}
+
+TEST(ValueListHeader, IsInadequateWithoutItsLastLines) {
+  for (const std::string& header : {kDrbg, kEcdsa, kFfc}) {
+    for (std::size_t end = header.find('\n'); end + 1 < header.size();
+         end = header.find('\n', end + 1)) {
+      SCOPED_TRACE(header.substr(0, end));
+      const Parsed parsed = parse(header.substr(0, end));
+      EXPECT_EQ(parsed.result, -1);
+      EXPECT_EQ(lastLines(parsed.console, 1), "request is inadequate!!\n");
+    }
   }
 }
 
-// The 127th character of a long line ends a piece; the next piece is a line of its own.
-TEST(RequestHeader, SeesALongLineAsSeveral) {
-  const std::string padding(127, 'x');
-  const Parsed parsed = parse(padding + std::string(kAesHeader.substr(10)));
-  EXPECT_EQ(parsed.result, 0) << parsed.console;
+TEST(ValueListHeader, LeavesTheResponseAlone) {
+  const Outcome outcome = runBinary("[Block Cipher]\nAES\n" + kDrbg);
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.response, "# File: Response file\n#\n[Block Cipher]\nAES\n");
 }
 
 TEST(Command, TellsItsOutcomeByExitStatus) {
@@ -156,6 +150,9 @@ TEST(Command, TellsItsOutcomeByExitStatus) {
   const std::string written = readFile(response);
   EXPECT_EQ(written.substr(written.find('\n')),
             "\n# File: Response file\n#\n[Algorithm Name]\nECDSA\n[Function Name]\nSign\n");
+
+  const Outcome inadequate = runBinary("[Function Name]\nHash\n");
+  EXPECT_EQ(inadequate.status, 255);
 
   const Outcome unreadable = runCommand({missing, response});
   EXPECT_EQ(unreadable.status, 255);

@@ -22,32 +22,32 @@ TEST(GetStr, FindsTheValueOfAPattern) {
     std::string line;
     std::string_view pattern;
     std::size_t capacity;
-    int found;
     std::string_view value;
+    int found;
     bool tooLong = false;
   };
   const std::string seven(7, '7');
   const Case cases[] = {
-      {"COUNT = 12\n", "COUNT = ?", 128, 1, "12"},
-      {"[COUNT = 12]\n", "COUNT = ?", 128, 1, "12"},
-      {"COUNT =  5\n", "COUNT = ?", 128, 1, ""},
-      {"Msg = 00\n", "COUNT = ?", 128, 0, "untouched"},
-      {"[Curve = P-256]\r\n", "Curve = P-?", 128, 1, "256"},
-      {"[L = 2048, N = 224]\n", "[N = ?", 128, 0, "untouched"},
-      {"[L = 2048, N = 224]\n", "[L = ?", 128, 1, "2048,"},
+      {"COUNT = 12\n", "COUNT = ?", 128, "12", 1},
+      {"[COUNT = 12]\n", "COUNT = ?", 128, "12", 1},
+      {"COUNT =  5\n", "COUNT = ?", 128, "", 1},
+      {"Msg = 00\n", "COUNT = ?", 128, "untouched", 0},
+      {"[Curve = P-256]\r\n", "Curve = P-?", 128, "256", 1},
+      {"[L = 2048, N = 224]\n", "[N = ?", 128, "untouched", 0},
+      {"[L = 2048, N = 224]\n", "[L = ?", 128, "2048,", 1},
       // The character that ended a partial match does not begin a new one.
-      {"CCOUNT = 1\n", "COUNT = ?", 128, 0, "untouched"},
-      {"C COUNT = 1\n", "COUNT = ?", 128, 1, "1"},
-      {"COUNT = ", "COUNT = ?", 128, 0, "untouched"},
-      {"COUNT = \n", "COUNT = ?", 128, 1, ""},
-      {"value rest", "?", 128, 1, "value"},
-      {"a plain line", "plain", 128, 1, "untouched"},
-      {"", "?", 128, 0, "untouched"},
-      {"short", "a longer pattern", 128, 0, "untouched"},
-      {"NumberOfMessages = " + seven, "NumberOfMessages = ?", 8, 1, seven},
-      {"NumberOfMessages = " + seven + "\n", "NumberOfMessages = ?", 8, 0, "", true},
-      {"NumberOfMessages = " + seven + "]", "NumberOfMessages = ?", 8, 0, "", true},
-      {"NumberOfMessages = 123456]", "NumberOfMessages = ?", 8, 1, "123456"},
+      {"CCOUNT = 1\n", "COUNT = ?", 128, "untouched", 0},
+      {"C COUNT = 1\n", "COUNT = ?", 128, "1", 1},
+      {"COUNT = ", "COUNT = ?", 128, "untouched", 0},
+      {"COUNT = \n", "COUNT = ?", 128, "", 1},
+      {"value rest", "?", 128, "value", 1},
+      {"a plain line", "plain", 128, "untouched", 1},
+      {"", "?", 128, "untouched", 0},
+      {"short", "a longer pattern", 128, "untouched", 0},
+      {"NumberOfMessages = " + seven, "NumberOfMessages = ?", 8, seven, 1},
+      {"NumberOfMessages = " + seven + "\n", "NumberOfMessages = ?", 8, "", 0, true},
+      {"NumberOfMessages = " + seven + "]", "NumberOfMessages = ?", 8, "", 0, true},
+      {"NumberOfMessages = 123456]", "NumberOfMessages = ?", 8, "123456", 1},
   };
   for (const Case& row : cases) {
     SCOPED_TRACE(row.line + " / " + std::string(row.pattern));

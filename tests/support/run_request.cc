@@ -15,6 +15,9 @@
 
 namespace {
 
+// What stands for any text in an edit or a pattern.
+constexpr std::string_view kGap = "...";
+
 // withoutDate cuts the date line off after a look at its form, that of ctime.
 std::string withoutDate(const std::string& response) {
   if (!response.starts_with("# Date: ")) return response;
@@ -85,12 +88,29 @@ Outcome runInProcess(std::string_view request, runner::CryptEngine engine) {
 
 std::string edited(std::string_view text, std::string_view from, std::string_view to) {
   std::string result(text);
-  const std::size_t position = result.find(from);
-  if (position == std::string::npos) {
+  const std::size_t gap = from.find(kGap);
+  const std::string_view head = from.substr(0, gap);
+  const std::size_t begin = text.find(head);
+  std::size_t end = begin == std::string::npos ? begin : begin + head.size();
+  if (gap != std::string::npos && end != std::string::npos) {
+    const std::string_view tail = from.substr(gap + kGap.size());
+    const std::size_t last = tail.empty() ? text.size() : text.find(tail, end);
+    end = last == std::string::npos ? last : last + tail.size();
+  }
+  if (end == std::string::npos) {
     ADD_FAILURE() << "nothing to edit: " << from;
     return result;
   }
-  return result.replace(position, from.size(), to);
+  return result.replace(begin, end - begin, to);
+}
+
+std::string filled(const std::string& pattern, const std::string& text) {
+  const std::size_t gap = pattern.find(kGap);
+  if (gap == std::string::npos) return pattern;
+  const std::string tail = pattern.substr(gap + kGap.size());
+  const std::size_t covered = gap + tail.size();
+  const std::size_t length = text.size() < covered ? 0 : text.size() - covered;
+  return pattern.substr(0, gap) + (length == 0 ? "" : text.substr(gap, length)) + tail;
 }
 
 std::string lastLines(const std::string& text, int count) {
@@ -108,6 +128,12 @@ std::string fromHere(const std::string& text, const std::string& start) {
 
 std::string example(const std::string& name, const std::string& extension) {
   return readFile(RUNNER_EXAMPLES "/" + name + extension);
+}
+
+std::string answerOf(const std::string& name) {
+  const std::string ownLines = "\n#\n";
+  const std::string response = example(name, ".rsp");
+  return response.substr(response.find(ownLines) + ownLines.size());
 }
 
 std::vector<std::uint8_t> fromHex(std::string_view text) {

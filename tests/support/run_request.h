@@ -47,8 +47,12 @@ Outcome runInProcess(std::string_view request,
                      runner::CryptEngine engine = runner::CryptEngine::GNUTLS);
 
 // edited returns `text` with the first occurrence of `from` replaced; a test fails when there is
-// none.
+// none. "..." in `from` stands for any text, at its end for all the rest.
 std::string edited(std::string_view text, std::string_view from, std::string_view to);
+
+// filled returns `pattern` with its "..." replaced by what `text` has in that place; `text` begins
+// and ends like the pattern if, and only if, it is equal to the result.
+std::string filled(const std::string& pattern, const std::string& text);
 
 // lastLines returns the last `count` lines of `text`.
 std::string lastLines(const std::string& text, int count);
@@ -58,6 +62,9 @@ std::string fromHere(const std::string& text, const std::string& start);
 
 // example returns the content of the example file with this name and extension (".req", ".rsp").
 std::string example(const std::string& name, const std::string& extension);
+
+// answerOf returns the expected response to an example without the program's own three lines.
+std::string answerOf(const std::string& name);
 
 // fromHex converts hexadecimal text to bytes.
 std::vector<std::uint8_t> fromHex(std::string_view text);
