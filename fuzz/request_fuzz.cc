@@ -1,9 +1,10 @@
 #include <unistd.h>
 
-#include <cctype>
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -16,23 +17,24 @@
 
 namespace {
 
-// asksForMuchWork tells whether a line is a decimal number of four digits or more: as a loop count
-// or a message length it would only make the run slow.
+// asksForMuchWork tells whether a line holds a decimal number above 4096 and little else: as a loop
+// count or a length it would only make the run slow.
 bool asksForMuchWork(std::string_view request) {
-  std::size_t digits = 0;
-  for (const char c : request) {
-    if (std::isdigit(static_cast<unsigned char>(c)) != 0) {
-      ++digits;
-    } else {
-      if (digits >= 4 && digits < 11) return true;
-      digits = 0;
-    }
+  constexpr std::size_t kLongestItem = 47;
+  constexpr std::string_view kDigits = "0123456789";
+  while (!request.empty()) {
+    const std::string_view line = request.substr(0, request.find('\n'));
+    request.remove_prefix(std::min(line.size() + 1, request.size()));
+    if (line.size() > kLongestItem) continue;
+    const std::size_t start = line.find_first_of(kDigits);
+    if (start == std::string_view::npos) continue;
+    if (std::strtol(std::string(line.substr(start)).c_str(), nullptr, 10) > 4096) return true;
   }
-  return digits >= 4 && digits < 11;
+  return false;
 }
 
 std::string newPath() {
-  std::string path = "/tmp/runner-fuzz-XXXXXX";
+  std::string path = (std::filesystem::temp_directory_path() / "runner-fuzz-XXXXXX").string();
   const int descriptor = mkstemp(path.data());
   if (descriptor < 0) std::abort();
   close(descriptor);

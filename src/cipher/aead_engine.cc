@@ -13,17 +13,6 @@ namespace {
 
 using Tag = std::array<std::uint8_t, kTagLength>;
 
-struct GnutlsDirection {
-  const char* name;
-  int (*compute)(gnutls_cipher_hd_t, const void*, std::size_t, void*, std::size_t);
-  const char* error;
-};
-
-int failWithCode(const char* name, const char* message, int code) {
-  failIn(name, message);
-  return code;
-}
-
 // computeGnutls turns the input into the output and writes the tag that belongs to both. Returns 0
 // or, after a line on standard output, the error code.
 int computeGnutls(const GnutlsDirection& direction, const TestConfig& config, AeadParams& params,
@@ -91,7 +80,7 @@ int computeOpenssl(const OpensslDirection& direction, EVP_CIPHER_CTX* context,
   return 0;
 }
 
-// discardOutput clears what was decrypted before its tag turned out to be wrong.
+// discardOutput clears what was decrypted and not verified.
 void discardOutput(AeadParams& params) {
   const auto size = static_cast<std::size_t>(params.inputLength);
   std::ranges::fill(params.output.bytes().first(size), std::uint8_t{0});
@@ -137,10 +126,9 @@ int aead_decrypt_gnutls(const TestConfig& config, AeadParams& params) {
                                         "decrypt error!!"};
   Tag computed{};
   const int result = computeGnutls(kDecryption, config, params, computed.data());
-  if (result < 0) return result;
-  if (std::memcmp(computed.data(), params.tag.data(), kTagLength) != 0) {
+  if (result < 0 || std::memcmp(computed.data(), params.tag.data(), kTagLength) != 0) {
     discardOutput(params);
-    return 0;
+    return result;
   }
   params.tagValid = 1;
   return params.inputLength;
@@ -173,6 +161,7 @@ int aead_decrypt_openssl(const TestConfig& config, AeadParams& params) {
   if (computeOpenssl(kDecryption, context.get(), config, params) < 0) return -1;
   if (EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_GCM_SET_TAG, kTagLength, params.tag.data()) !=
       kOpensslOk) {
+    discardOutput(params);
     return failIn(kDecryption.name, "setting tag error!!");
   }
   int finished = 0;

@@ -6,12 +6,6 @@
 namespace runner {
 namespace {
 
-struct GnutlsDirection {
-  const char* name;
-  int (*compute)(gnutls_cipher_hd_t, const void*, std::size_t, void*, std::size_t);
-  const char* error;
-};
-
 int computeGnutls(const GnutlsDirection& direction, const TestConfig& config,
                   const std::uint8_t* in, int len, const std::uint8_t* key, const std::uint8_t* iv,
                   std::uint8_t* out) {
@@ -22,8 +16,7 @@ int computeGnutls(const GnutlsDirection& direction, const TestConfig& config,
   const gnutls_datum_t ivDatum = datum(iv, kBlockLength);
   gnutls_cipher_hd_t raw = nullptr;
   if (const int result = gnutls_cipher_init(&raw, algorithm, &keyDatum, &ivDatum); result < 0) {
-    failIn(direction.name, "initialize error!!");
-    return result;
+    return failWithCode(direction.name, "initialize error!!", result);
   }
   const CipherHandle handle(raw);
   const auto size = static_cast<std::size_t>(len);

@@ -24,7 +24,7 @@ constexpr bool isEncryption(const TestConfig& config) {
   return config.testFunction == TestFunction::ENCRYPTION;
 }
 
-// isCbc tells whether the test has an IV; any other mode is a chain of single blocks.
+// isCbc tells whether the test reads, writes and chains an IV.
 constexpr bool isCbc(const TestConfig& config) { return config.mode == ModeId::CBC; }
 
 // The failure numbers of an engine call, by direction.

@@ -5,11 +5,12 @@
 #include <gnutls/gnutls.h>
 #include <openssl/evp.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <type_traits>
 
-#include "driver/test_config.h"
+#include "driver/diagnostics.h"
 
 // The engines' cipher contexts, owned. For the adapters only.
 
@@ -28,6 +29,20 @@ struct CipherContextDeleter {
   void operator()(EVP_CIPHER_CTX* context) const noexcept { EVP_CIPHER_CTX_free(context); }
 };
 using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, CipherContextDeleter>;
+
+// GnutlsDirection is what differs between encryption and decryption: the name of the back-end, the
+// cipher call, and the message for its failure.
+struct GnutlsDirection {
+  const char* name;
+  int (*compute)(gnutls_cipher_hd_t, const void*, std::size_t, void*, std::size_t);
+  const char* error;
+};
+
+// failWithCode prints "NAME : MESSAGE" and returns `code`, a negative code of GnuTLS.
+inline int failWithCode(const char* name, const char* message, int code) {
+  failIn(name, message);
+  return code;
+}
 
 // datum lends `size` bytes to GnuTLS, which takes them through a pointer to non-constant bytes but
 // does not write to them.

@@ -16,6 +16,7 @@ namespace runner {
 namespace {
 
 constexpr Block zeroBlock{};
+constexpr std::array<std::uint8_t, kMaxAesKeyLength> zeroKey{};
 
 struct KatEntry {
   RecordPtr<KatEntry> next;
@@ -52,8 +53,10 @@ struct KatTest {
   RecordList<KatEntry> entries{};
 };
 
+std::size_t keySize(const KatTest& test) { return static_cast<std::size_t>(test.config.keyLength); }
+
 std::span<std::uint8_t> keyOf(const KatTest& test, KatEntry& entry) {
-  return std::span(entry.key).first(static_cast<std::size_t>(test.config.keyLength));
+  return std::span(entry.key).first(keySize(test));
 }
 
 // nextEntryLine reads the next line of a list; nothing at the section line or the end of the file
@@ -101,12 +104,12 @@ int runVarText(KatTest& test) {
     KatEntry* const entry = test.entries.append();
     if (entry == nullptr) return mallocFailedAt(2097);
     if (hexToBlock(*line, entry->input) < 0) return failAt(2103);
+    // The key of a new entry is the zero key.
     result = compute(test, *entry, {.encryption = 2106, .decryption = 2108});
     if (result < 0) return result;
   }
-  KatEntry zeroEntry{};
   writeLine(test.files.response, test.keys.key.data());
-  writeHex(test.files.response, keyOf(test, zeroEntry));
+  writeHex(test.files.response, std::span(zeroKey).first(keySize(test)));
   writeInputSection(test);
   writeIvSection(test);
   writeOutputSection(test);
@@ -177,7 +180,11 @@ int runVarKey(KatTest& test) {
     result = compute(test, entry, {.encryption = 2253, .decryption = 2255});
     if (result < 0) return result;
   }
-  encrypts ? writeZeroPlaintext(test) : writeInputSection(test);
+  if (encrypts) {
+    writeZeroPlaintext(test);
+  } else {
+    writeInputSection(test);
+  }
   writeIvSection(test);
   writeKeySection(test);
   writeOutputSection(test);

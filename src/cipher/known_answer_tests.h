@@ -19,8 +19,9 @@ namespace runner {
 // with the plaintext and ciphertext keys exchanged for decryption. A line that does not convert, or
 // an engine that fails, ends the test before anything is written.
 //
-// Both return the result of the last engine call (0 for an empty list) or a negative number after a
-// line on standard output.
+// Both return the result of the last engine call (0 for an empty list). They return a negative
+// number, with nothing written, after "can't open PATH", "unexpected key length!!" for a key of
+// more than 32 bytes, or what is wrong followed by "err happens!! (N)" or "malloc err!! (N)".
 int procKAT_VarText(const TestConfig& config, const char* requestPath, const char* responsePath,
                     const char* variant);
 
@@ -33,7 +34,8 @@ int procKAT_VarText(const TestConfig& config, const char* requestPath, const cha
 //   [Key for KAT-%s]         the keys
 //   [Ciphertext for KAT-%s]  the results (decryption: [Plaintext for KAT-%s])
 // A line that does not convert ends its list with that entry; the entries read so far are computed
-// and written.
+// and written. So are blocks left without a key, under the zero key, after "unexpected EOF!!" or
+// "unexpected end of key data!!".
 int procKAT_VarKey(const TestConfig& config, const char* requestPath, const char* responsePath,
                    const char* variant);
 

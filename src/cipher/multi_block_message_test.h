@@ -14,7 +14,9 @@ namespace runner {
 //   [Ciphertext for MMT]        the result (decryption: [Plaintext for MMT])
 // Each key is written as soon as it is found, each value after it has been converted.
 //
-// Returns the result of the engine call, or a negative number after a line on standard output.
+// Returns the result of the engine call, or a negative number after a line on standard output:
+// "illegal blknum!!" for another n, "unexpected key length!!" for a key of more than 32 bytes, the
+// number of the failed step for all else.
 int procMMT(const TestConfig& config, const char* requestPath, const char* responsePath);
 
 }  // namespace runner

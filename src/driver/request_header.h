@@ -8,8 +8,8 @@ namespace runner {
 // parseRequestHeader reads the header of the request, fills `config` (which comes zero-filled) with
 // what it names, and appends the sections that it understands to the response. Each section is a
 // key line followed by one value line; they come in any order, except that "[Algorithm Name]"
-// precedes "[Function Name]". Lines are read with a capacity of 128 characters, the algorithm name
-// with 32. All other lines of the request are skipped.
+// precedes "[Function Name]". Lines have at most 127 characters, the algorithm name at most 31. All
+// other lines of the request are skipped.
 //
 //   [Algorithm Name]                  AES, GCM/GMAC, SHA-1 .. SHA-512, HMAC, RSASSA, ECDSA,
 //                                     DSA FIPS

@@ -12,8 +12,9 @@
 #include "driver/test_files.h"
 
 // The steps of which a test procedure consists: find a section of the request, read its values,
-// echo both into the response. Each returns 0, or -1 after it has printed what is wrong; the `site`
-// that it takes is the number of its failure line. All lines are read into TestFiles::line.
+// echo both into the response. A step that can fail returns 0, or -1 after it has printed what is
+// wrong; the `site` that it takes is the number of its failure line. All lines are read into
+// TestFiles::line.
 
 namespace runner {
 

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
-#include <string>
+
+#include "driver/diagnostics.h"
 
 // Marks a loop over long values, which is compiled for AVX2 as well; the faster one is chosen when
-// the program is loaded.
+// the program is loaded. A macro, because only x86 has the attribute.
 #if defined(__x86_64__)
 #define RUNNER_VECTOR_CLONES __attribute__((target_clones("avx2", "default")))
 #else
@@ -89,17 +91,23 @@ void writeHexDigits(TextWriter& stream, std::span<const std::uint8_t> bytes, cha
   text.back() = '\n';
 }
 
+void writeNumber(TextWriter& stream, int number) {
+  std::array<char, 16> digits;
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+  writeText(stream, {digits.data(), end});
+}
+
 // copyValue copies the value at the start of `text` for getStr.
 int copyValue(std::string_view text, std::span<char> out) {
   const std::size_t length = std::min(text.find_first_of("\r\n] "), text.size());
   const std::size_t room = out.size() - 1;
   // A value that fills the room must be the end of the text: a terminator after it is one character
   // too many.
+  std::copy_n(text.begin(), std::min(length, room), out.begin());
   if (length > room || (length == room && length < text.size())) {
-    std::printf("[ERR]%s: not enough buffer!!\n", "getStr");
+    failWith("[ERR]getStr: not enough buffer!!");
     return 0;
   }
-  std::copy_n(text.begin(), length, out.begin());
   out[length] = '\0';
   return 1;
 }
@@ -190,13 +198,20 @@ void writeLine(TextWriter& stream, std::string_view text) {
   stream.extend(1).front() = '\n';
 }
 
-void writeDecimal(TextWriter& stream, int number) { writeLine(stream, std::to_string(number)); }
+void writeDecimal(TextWriter& stream, int number) {
+  writeNumber(stream, number);
+  writeText(stream, "\n");
+}
 
 void writeHashName(TextWriter& stream, HashId hashId) {
-  const HashProperties* const hash = findHash(hashId);
   writeLine(stream, "[Hash]");
-  writeLine(stream, hash != nullptr ? std::string(hash->name)
-                                    : "unknown(" + std::to_string(static_cast<int>(hashId)) + ")");
+  if (const HashProperties* const hash = findHash(hashId)) {
+    writeLine(stream, hash->name);
+  } else {
+    writeText(stream, "unknown(");
+    writeNumber(stream, static_cast<int>(hashId));
+    writeLine(stream, ")");
+  }
 }
 
 }  // namespace runner

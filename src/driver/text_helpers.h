@@ -26,7 +26,8 @@ int findSection(TextReader& stream, const char* key);
 // is the capacity. The pattern is literal text up to a "?", which marks where the value begins;
 // without a "?" it only tests for presence. A partial match never overlaps the start of the next
 // candidate. Returns 1 when found and 0 when not. A value that leaves no room for the closing zero
-// byte is not found: that prints "[ERR]getStr: not enough buffer!!" and leaves `out` unterminated.
+// byte is not found: that prints "[ERR]getStr: not enough buffer!!" and leaves as many of its
+// characters as fit in `out`, which must not be empty.
 int getStr(std::string_view line, std::string_view pattern, std::span<char> out);
 
 // decimal converts the decimal number at the start of `text`, which ends with a zero byte: leading

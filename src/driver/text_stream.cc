@@ -21,6 +21,8 @@ std::size_t endOfLine(std::string_view text) {
 
 }  // namespace
 
+TextReader::TextReader() = default;
+
 bool TextReader::open(const char* path) {
   file_ = openUnbuffered(path, "r");
   unread_ = {};
@@ -50,6 +52,8 @@ std::optional<std::string_view> TextReader::readLine(std::span<char> line) {
   if (length == 0) return std::nullopt;
   return std::string_view(line.data(), std::min(length, textLength));
 }
+
+TextWriter::TextWriter() = default;
 
 TextWriter::~TextWriter() {
   if (file_) flush();

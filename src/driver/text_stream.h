@@ -28,7 +28,7 @@ using StreamBuffer = std::array<char, kStreamBufferSize>;
 // TextReader reads a text file by lines.
 class TextReader {
  public:
-  TextReader() = default;
+  TextReader();  // leaves the buffer as it is, like that of TextWriter
   TextReader(const TextReader&) = delete;
   TextReader& operator=(const TextReader&) = delete;
 
@@ -55,7 +55,7 @@ class TextReader {
 // returned true.
 class TextWriter {
  public:
-  TextWriter() = default;
+  TextWriter();
   TextWriter(const TextWriter&) = delete;
   TextWriter& operator=(const TextWriter&) = delete;
 

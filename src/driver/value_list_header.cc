@@ -159,10 +159,11 @@ bool setItem(TestConfig& config, Item item, int number) {
       return true;
     case Item::HASH:
       return setHash(config, number) != nullptr;
-    case Item::HASH_AND_DIGEST_LENGTH:
+    case Item::HASH_AND_DIGEST_LENGTH: {
       const HashProperties* const hash = setHash(config, number);
       if (hash != nullptr) config.keyLength = hash->digestLength;
       return hash != nullptr;
+    }
   }
   return false;
 }

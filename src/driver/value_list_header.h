@@ -18,10 +18,9 @@ enum class ValueListForm : int {
 };
 
 // parseValueListHeader reads the header of a value-list request from the start of the file and
-// fills `config` with what it names. Lines are read with a capacity of 48 characters, values with
-// one of 8; n is a decimal number. The items of a form come in any order, several on a line where
-// their texts allow it, and the last one of a kind counts; items without a "[" may stand anywhere
-// in a line.
+// fills `config` with what it names. Lines have at most 47 characters, values at most 7; n is a
+// decimal number. The items of a form come in any order, several on a line where their texts allow
+// it, and the last one of a kind counts; items without a "[" may stand anywhere in a line.
 //
 //   DRBG   [AlgorithmName = CTR_DRBG no df]
 //          [UnderlyingAlgorithm = AES-n]             n 128 or 256
@@ -42,9 +41,12 @@ enum class ValueListForm : int {
 //   ECDSA and FFC  BitLengthOfMessage = n            n / 8 is `messageLength`
 //                  NumberOfMessages = n              `count`
 //
-// Most items are reported as a line on standard output, as is a curve or a hash that is not
-// supported, which takes back an earlier one. Returns 0 when all are there; otherwise it prints
-// "request is inadequate!!", or "can't open PATH", and returns -1. The response is not touched.
+// Prints what it finds: "function    : ", "algorithm   : ", "key length  : ", "hash: ", "request
+// size : " (bytes), "trial num : " or "message num : ", each with its value. A curve or a hash that
+// is not supported takes back an earlier one and prints "Unsupported curve!!" or "Unsupported hash
+// algorithm!!"; a value that is too long prints getStr's line. Returns 0 when all are there;
+// otherwise it prints "request is inadequate!!", or "can't open PATH", and returns -1. The response
+// is not touched.
 int parseValueListHeader(TestConfig& config, const char* requestPath, ValueListForm form);
 
 }  // namespace runner

@@ -8,7 +8,8 @@ namespace runner {
 
 // While curveLookupPending is not 0, the curve is still to be identified: by the next
 // importEcPublicKey from the domain parameters, or by name in the value-list test. The tests set it
-// before their first key, clear it after each key and leave it set.
+// before their first key (of a group, in the value-list test) and clear it after each key; those in
+// the bracket form leave it set.
 inline int curveLookupPending = 1;
 
 // The index of the curve that the domain parameters named last; -1 for none.

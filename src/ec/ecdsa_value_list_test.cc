@@ -47,6 +47,7 @@ int allocateGroup(Group& group) {
 
 // nameCurve sets namedCurveId to the curve that the request names; an unknown name changes nothing.
 void nameCurve(const TestConfig& config) {
+  if (config.curveName == nullptr) return;
   const std::string_view name = std::string_view(config.curveName).substr(0, 5);
   for (std::size_t index = 0; index < curveTable.size(); ++index) {
     if (name != curveTable[index].name) continue;
@@ -107,22 +108,13 @@ int testGroup(const TestConfig& config, TestFiles& files) {
   }
 }
 
-int runTest(const TestConfig& config, TestFiles& files) {
-  int result = -1;
-  while (findGroup(files, groupMarks)) {
-    result = testGroup(config, files);
-    if (result < 0) break;
-  }
-  return result;
-}
-
 }  // namespace
 
 int procVerifyEcdsaRecords(const TestConfig& config, const char* requestPath,
                            const char* responsePath) {
   TestFiles files;
   if (openFiles(files, requestPath, responsePath) < 0) return -1;
-  return closeFiles(files, responsePath, runTest(config, files));
+  return closeFiles(files, responsePath, testGroups(config, files, groupMarks, testGroup));
 }
 
 }  // namespace runner

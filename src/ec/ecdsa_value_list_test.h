@@ -14,7 +14,7 @@ namespace runner {
 //   Qx = , Qy =               the public key
 //   R = , S =                 the signature
 //   Result =
-// The curve, config.curveName (not null), and the hash are those of the request header. The curve
+// The curve, config.curveName, and the hash are those of the request header. The curve
 // is looked up at the first record of each group, which prints "curveid: %d". Lines of a group have
 // at most 2 x max(messageLength, 66) + 8 characters, so that the coordinates of every curve fit.
 //

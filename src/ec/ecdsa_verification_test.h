@@ -21,8 +21,9 @@ namespace runner {
 // "curveid: %d".
 //
 // A key that cannot be imported makes its signature fail with OpenSSL; with GnuTLS it ends the
-// test. Returns 0 when all results were written, otherwise -1, in most cases after a line on
-// standard output; the curve lookup is pending afterwards.
+// test. Returns 0 when all results were written, otherwise -1: silently for a number or a length
+// below 1 and for an unknown hash, else after a line on standard output. The curve lookup is
+// pending afterwards.
 int procVerifyEcdsa(const TestConfig& config, const char* requestPath, const char* responsePath);
 
 }  // namespace runner

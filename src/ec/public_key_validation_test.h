@@ -16,7 +16,8 @@ namespace runner {
 // "curveid: %d".
 //
 // A key that cannot be imported is not valid for OpenSSL; with GnuTLS it ends the test. Returns 0,
-// or -1, in most cases after a line on standard output; the curve lookup is pending afterwards.
+// or -1: silently for a number of keys below 1, otherwise after a line on standard output. The
+// curve lookup is pending afterwards.
 int procChkPublicKey(const TestConfig& config, const char* requestPath, const char* responsePath);
 
 }  // namespace runner

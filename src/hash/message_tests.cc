@@ -90,9 +90,9 @@ constexpr std::size_t lineCapacity(std::size_t messageLength) {
   return 2 * messageLength + kLineSlack + 1;
 }
 
-// reserve makes room for `size` bytes, without their contents so far. The buffer grows with the
-// messages that are really there, in few steps, to `most` bytes at the end: an upper bound that the
-// messages do not keep costs no memory.
+// reserve makes room for `size` bytes; what the buffer held is lost when it grows. It grows with
+// the messages that are really there, in few steps, to `most` bytes at the end: an upper bound that
+// the messages do not keep costs no memory.
 bool reserve(Buffer& buffer, std::size_t size, std::size_t most) {
   if (size <= buffer.size()) return true;
   return buffer.allocate(std::min(most, std::max(size, 2 * buffer.size())));

@@ -17,8 +17,8 @@ namespace runner {
 // Each message is written before its digest is computed, the digests only when all are there. A
 // line is read up to 7 characters beyond its digits; what remains of it counts as the next line.
 //
-// Both return 0, or -1, in most cases after a line on standard output (an unknown hash fails
-// silently).
+// Both return 0, or -1: silently for an unknown hash, after "lack of input message!!" when a
+// section line stands where a message should, otherwise after the number of the failed step.
 int procSMT(const TestConfig& config, const char* requestPath, const char* responsePath);
 
 // procSLMT, the selected long message test, reads
@@ -29,7 +29,8 @@ int procSMT(const TestConfig& config, const char* requestPath, const char* respo
 //   [Upperbound of SLMT]     U
 //   [Data of SLMT]           the messages
 //   [Hash Value of SLMT]     the digests (MAC: [MAC of SLMT])
-// in the same way. U is also refused when the longest line would not fit a 32-bit length.
+// in the same way. "illegal bound!!" refuses a U below 1, and one with which the longest line would
+// not fit a 32-bit length.
 int procSLMT(const TestConfig& config, const char* requestPath, const char* responsePath);
 
 }  // namespace runner

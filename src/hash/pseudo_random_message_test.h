@@ -20,7 +20,9 @@ namespace runner {
 // Lines are read up to 511 characters, the bit length up to 31. The seed is converted, and written,
 // only when its length is known and in range.
 //
-// Returns 0, or -1, in most cases after a line on standard output (an unknown hash fails silently).
+// Returns 0, or -1: silently for an unknown hash, after "illegal number of loop!!" for I or O,
+// "illegal length!!" or "unexpected long data!!" for the bit length, otherwise after the number of
+// the failed step.
 int procPGMT(const TestConfig& config, const char* requestPath, const char* responsePath);
 
 }  // namespace runner

@@ -86,22 +86,13 @@ int testGroup(const TestConfig& config, TestFiles& files) {
   }
 }
 
-int runTest(const TestConfig& config, TestFiles& files) {
-  int result = -1;
-  while (findGroup(files, groupMarks)) {
-    result = testGroup(config, files);
-    if (result < 0) break;
-  }
-  return result;
-}
-
 }  // namespace
 
 int procVerifyDsaRecords(const TestConfig& config, const char* requestPath,
                          const char* responsePath) {
   TestFiles files;
   if (openFiles(files, requestPath, responsePath) < 0) return -1;
-  return closeFiles(files, responsePath, runTest(config, files));
+  return closeFiles(files, responsePath, testGroups(config, files, groupMarks, testGroup));
 }
 
 }  // namespace runner

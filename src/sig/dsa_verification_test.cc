@@ -14,6 +14,19 @@
 namespace runner {
 namespace {
 
+constexpr KeyList kKeys{.section = "[Public Keys]",
+                        .complaint = "lack of public key!!",
+                        .sectionSite = 4205,
+                        .sites = {.allocation = 4223, .value = 4224}};
+constexpr KeyList kMessages{.section = "[Plaintexts]",
+                            .complaint = "lack of planetext!!",
+                            .sectionSite = 4231,
+                            .sites = {.allocation = 4243, .value = 4244}};
+constexpr KeyList kSignatures{.section = "[Signatures]",
+                              .complaint = "lack of signature!!",
+                              .sectionSite = 4253,
+                              .sites = {.allocation = 4268, .value = 4269}};
+
 struct DsaRequest {
   Buffer p;
   Buffer q;
@@ -39,33 +52,6 @@ int readDomainParameters(TestFiles& files, DsaRequest& request) {
   return readParameter(files, pBits, request.g);
 }
 
-int readPublicKeys(TestFiles& files, int count, RecordList<KeyRecord>& records) {
-  return readKeys(files,
-                  {.section = "[Public Keys]",
-                   .complaint = "lack of public key!!",
-                   .sectionSite = 4205,
-                   .sites = {.allocation = 4223, .value = 4224}},
-                  4216, count, records);
-}
-
-int readPlaintexts(TestFiles& files, int bits, RecordList<KeyRecord>& records) {
-  return readMessages(files,
-                      {.section = "[Plaintexts]",
-                       .complaint = "lack of planetext!!",
-                       .sectionSite = 4231,
-                       .sites = {.allocation = 4243, .value = 4244}},
-                      bytesForBits(bits), records);
-}
-
-int readSignatureLines(TestFiles& files, RecordList<KeyRecord>& records) {
-  return readSignatures(files,
-                        {.section = "[Signatures]",
-                         .complaint = "lack of signature!!",
-                         .sectionSite = 4253,
-                         .sites = {.allocation = 4268, .value = 4269}},
-                        records);
-}
-
 int readRequest(const TestConfig& config, TestFiles& files, DsaRequest& request) {
   int bits = 0;
   int count = 0;
@@ -75,9 +61,9 @@ int readRequest(const TestConfig& config, TestFiles& files, DsaRequest& request)
   if (echoPositive(files, bits, nullptr) < 0) return -1;
   if (echoSection(files, "[Number of Plaintexts]", 4192) < 0) return -1;
   if (echoPositive(files, count, nullptr) < 0) return -1;
-  if (readPublicKeys(files, count, request.records) < 0) return -1;
-  if (readPlaintexts(files, bits, request.records) < 0) return -1;
-  return readSignatureLines(files, request.records);
+  if (readKeys(files, kKeys, 4216, count, request.records) < 0) return -1;
+  if (readMessages(files, kMessages, bytesForBits(bits), request.records) < 0) return -1;
+  return readSignatures(files, kSignatures, request.records);
 }
 
 int verifyRecord(const TestConfig& config, const DsaRequest& request, const KeyRecord& record) {

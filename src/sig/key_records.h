@@ -30,11 +30,10 @@ struct KeyRecord {
 
 // KeyList describes one of the lists.
 struct KeyList {
-  const char* section;  // its key
-  const char*
-      complaint;     // printed when there are fewer lines; null: a missing line is an empty one
-  int sectionSite;   // the section is missing
-  ValueSites sites;  // of each line
+  const char* section;    // its key
+  const char* complaint;  // printed when lines are missing; null: a missing line is an empty one
+  int sectionSite;        // the section is missing
+  ValueSites sites;       // of each line
 };
 
 // readKeys finds the section, writes its key, and reads `count` lines of hexadecimal text, each as

@@ -14,6 +14,20 @@
 namespace runner {
 namespace {
 
+constexpr KeyList kExponents{.section = "[e]",
+                             .complaint = "lack of exp!!",
+                             .sectionSite = 5589,
+                             .sites = {.allocation = 5607, .value = 5608}};
+constexpr KeyList kSignatures{.section = "[Signatures]",
+                              .complaint = "lack of signature!!",
+                              .sectionSite = 5615,
+                              .sites = {.allocation = 5630, .value = 5631}};
+// A message that is missing is one that does not convert.
+constexpr KeyList kMessages{.section = "[Plaintexts]",
+                            .complaint = nullptr,
+                            .sectionSite = 5654,
+                            .sites = {.allocation = 5666, .value = 5667}};
+
 struct RsaRequest {
   Buffer modulus;
   RecordList<KeyRecord> records;
@@ -28,45 +42,17 @@ int readModulus(const TestConfig& config, TestFiles& files, Buffer& modulus) {
   return echoHexSection(files, "[n]", modulus.bytes(), {.section = 5567, .value = 5571});
 }
 
-int readExponents(TestFiles& files, int count, RecordList<KeyRecord>& records) {
-  return readKeys(files,
-                  {.section = "[e]",
-                   .complaint = "lack of exp!!",
-                   .sectionSite = 5589,
-                   .sites = {.allocation = 5607, .value = 5608}},
-                  5600, count, records);
-}
-
-int readSignatureLines(TestFiles& files, RecordList<KeyRecord>& records) {
-  return readSignatures(files,
-                        {.section = "[Signatures]",
-                         .complaint = "lack of signature!!",
-                         .sectionSite = 5615,
-                         .sites = {.allocation = 5630, .value = 5631}},
-                        records);
-}
-
-// A message that is missing here is one that does not convert.
-int readPlaintexts(TestFiles& files, int bits, RecordList<KeyRecord>& records) {
-  return readMessages(files,
-                      {.section = "[Plaintexts]",
-                       .complaint = nullptr,
-                       .sectionSite = 5654,
-                       .sites = {.allocation = 5666, .value = 5667}},
-                      bytesForBits(bits), records);
-}
-
 int readRequest(const TestConfig& config, TestFiles& files, RsaRequest& request) {
   int count = 0;
   int bits = 0;
   if (readModulus(config, files, request.modulus) < 0) return -1;
   if (echoSection(files, "[Number of Signatures]", 5576) < 0) return -1;
   if (echoPositive(files, count, nullptr) < 0) return -1;
-  if (readExponents(files, count, request.records) < 0) return -1;
-  if (readSignatureLines(files, request.records) < 0) return -1;
+  if (readKeys(files, kExponents, 5600, count, request.records) < 0) return -1;
+  if (readSignatures(files, kSignatures, request.records) < 0) return -1;
   if (echoSection(files, "[Bitlength of Plaintexts]", 5640) < 0) return -1;
   if (echoPositive(files, bits, nullptr) < 0) return -1;
-  return readPlaintexts(files, bits, request.records);
+  return readMessages(files, kMessages, bytesForBits(bits), request.records);
 }
 
 int verifyRecord(const TestConfig& config, const Buffer& modulus, const KeyRecord& record) {

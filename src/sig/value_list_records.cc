@@ -19,8 +19,8 @@ void writeNamedValue(TestFiles& files, const char* name, std::span<const std::ui
   writeLowerHex(files.response, value);
 }
 
-}  // namespace
-
+// findGroup copies lines up to and including the next one that contains all `marks`. Returns false
+// at the end of the file.
 bool findGroup(TestFiles& files, std::span<const char* const> marks) {
   std::array<char, kLineCapacity> buffer{};
   while (const auto line = files.request.readLine(buffer)) {
@@ -34,8 +34,20 @@ bool findGroup(TestFiles& files, std::span<const char* const> marks) {
   return false;
 }
 
+}  // namespace
+
+int testGroups(const TestConfig& config, TestFiles& files, std::span<const char* const> marks,
+               int (*testGroup)(const TestConfig&, TestFiles&)) {
+  int result = -1;
+  while (findGroup(files, marks)) {
+    result = testGroup(config, files);
+    if (result < 0) break;
+  }
+  return result;
+}
+
 int findRecord(TestFiles& files, int expected, int count) {
-  // A count below 1 is that of no group: such a group goes on to the end of the file.
+  // No record number equals a count below 1: such a group goes on to the end of the file.
   if (expected > 0 && expected == count) return 0;
   std::array<char, kNumberCapacity> number{};
   while (const auto line = nextLine(files)) {

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "driver/buffer.h"
+#include "driver/test_config.h"
 #include "driver/test_files.h"
 
 // The steps of which a value-list signature test consists. Such a test copies the request into the
@@ -24,8 +25,8 @@
 //   Result = ...                   written as "Result = P" or "Result = F"
 //
 // The lines from COUNT to Result follow one another directly. Within a group lines are read into
-// TestFiles::line, whose capacity the group sets; outside one, where it is not used, with a
-// capacity of 128 characters. A longer line is seen as several. The `site` that a step takes is the
+// TestFiles::line, whose capacity the group sets; outside one, where it is not used, with at
+// most 127 characters. A longer line is seen as several. The `site` that a step takes is the
 // number of its failure line.
 
 namespace runner {
@@ -55,9 +56,11 @@ constexpr std::size_t bufferSize(int length) {
   return length < 0 ? 0 : static_cast<std::size_t>(length);
 }
 
-// findGroup copies lines up to and including the next one that contains all `marks`. Returns false
-// at the end of the file.
-bool findGroup(TestFiles& files, std::span<const char* const> marks);
+// testGroups copies lines up to and including the next one that contains all `marks`, calls
+// `testGroup` for the group that begins there, and so on to the end of the file. Returns the result
+// of the last one: 0, or the negative one that ends the test; -1 when there is no group.
+int testGroups(const TestConfig& config, TestFiles& files, std::span<const char* const> marks,
+               int (*testGroup)(const TestConfig&, TestFiles&));
 
 // findRecord copies lines up to and including the next COUNT line. Returns 1 when it has the number
 // `expected`, and 0 when the group ends: at the end of the file, and without reading on after
