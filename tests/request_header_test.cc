@@ -176,6 +176,11 @@ TEST(Command, TellsItsOutcomeByExitStatus) {
   const Outcome full = runCommand({request, "/dev/full"});
   EXPECT_EQ(full.status, 0);
   EXPECT_EQ(full.console, "can't write /dev/full\ncan't write /dev/full\n");
+
+  // A file size limit is no different.
+  const Outcome limited = runCommand({request, response}, "ulimit -f 0; " RUNNER_BINARY);
+  EXPECT_EQ(limited.status, 0);
+  EXPECT_EQ(limited.console, "can't write " + response + "\ncan't write " + response + "\n");
 }
 
 }  // namespace
