@@ -1,12 +1,15 @@
 #include "ec/ec_test.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <string_view>
 #include <utility>
 
 #include "driver/diagnostics.h"
 #include "driver/text_helpers.h"
+#include "ec/curve_state.h"
+#include "sig/key_records.h"
 #include "sig/openssl_error.h"
 
 namespace runner {
@@ -22,6 +25,16 @@ int echoCofactor(TestFiles& files, Buffer& text, int allocationSite) {
 }
 
 }  // namespace
+
+int runEcTest(int (*test)(const TestConfig&, TestFiles&), const TestConfig& config,
+              const char* requestPath, const char* responsePath) {
+  std::array<char, kKeyLineCapacity> line{};
+  TestFiles files{.line = line};
+  if (openFiles(files, requestPath, responsePath) < 0) return -1;
+  const int result = test(config, files);
+  curveLookupPending = 1;
+  return closeFiles(files, responsePath, result);
+}
 
 int readDomain(TestFiles& files, EcDomain& domain, const DomainSites& sites) {
   if (echoSection(files, "[Domain Parameter]", sites.section) < 0) return -1;

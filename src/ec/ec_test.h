@@ -13,6 +13,12 @@
 
 namespace runner {
 
+// runEcTest opens the files, runs `test` with lines of at most 1023 characters, and closes the
+// files. Returns the result of the test, -1 when a file fails. The curve lookup is pending
+// afterwards.
+int runEcTest(int (*test)(const TestConfig&, TestFiles&), const TestConfig& config,
+              const char* requestPath, const char* responsePath);
+
 // EcDomain holds the domain parameters of a test.
 struct EcDomain {
   std::array<Buffer, SLOT_COUNT> values;

@@ -1,7 +1,5 @@
 #include "ec/ecdsa_verification_test.h"
 
-#include <array>
-
 #include "driver/record_list.h"
 #include "driver/sections.h"
 #include "driver/text_helpers.h"
@@ -74,12 +72,7 @@ int runTest(const TestConfig& config, TestFiles& files) {
 }  // namespace
 
 int procVerifyEcdsa(const TestConfig& config, const char* requestPath, const char* responsePath) {
-  std::array<char, kKeyLineCapacity> line{};
-  TestFiles files{.line = line};
-  if (openFiles(files, requestPath, responsePath) < 0) return -1;
-  const int result = runTest(config, files);
-  curveLookupPending = 1;
-  return closeFiles(files, responsePath, result);
+  return runEcTest(runTest, config, requestPath, responsePath);
 }
 
 }  // namespace runner

@@ -1,6 +1,5 @@
 #include "ec/public_key_validation_test.h"
 
-#include <array>
 #include <vector>
 
 #include "driver/sections.h"
@@ -9,7 +8,6 @@
 #include "ec/ec_key.h"
 #include "ec/ec_test.h"
 #include "ec/point_check.h"
-#include "sig/key_records.h"
 
 namespace runner {
 namespace {
@@ -64,12 +62,7 @@ int runTest(const TestConfig& config, TestFiles& files) {
 }  // namespace
 
 int procChkPublicKey(const TestConfig& config, const char* requestPath, const char* responsePath) {
-  std::array<char, kKeyLineCapacity> line{};
-  TestFiles files{.line = line};
-  if (openFiles(files, requestPath, responsePath) < 0) return -1;
-  const int result = runTest(config, files);
-  curveLookupPending = 1;
-  return closeFiles(files, responsePath, result);
+  return runEcTest(runTest, config, requestPath, responsePath);
 }
 
 }  // namespace runner

@@ -51,6 +51,15 @@ gnutls_sign_algorithm_t gnutlsSignId(const TestConfig& config) {
   return GNUTLS_SIGN_UNKNOWN;
 }
 
+int verifyWith(gnutls_sign_algorithm_t algorithm, PubKey key, std::span<const std::uint8_t> message,
+               std::span<const std::uint8_t> signature) {
+  const gnutls_datum_t messageDatum = datum(message);
+  const gnutls_datum_t signatureDatum = datum(signature);
+  const int result =
+      gnutls_pubkey_verify_data2(asGnutlsKey(key), algorithm, 0, &messageDatum, &signatureDatum);
+  return result < 0 ? kNotVerified : kVerified;
+}
+
 }  // namespace
 
 std::optional<MessageDigest> digestMessage(HashId hashId, std::span<const std::uint8_t> message) {
@@ -90,19 +99,16 @@ int verifyGnutls(const TestConfig& config, PubKey key, std::span<const std::uint
                  std::span<const std::uint8_t> signature) {
   const gnutls_sign_algorithm_t algorithm = gnutlsSignId(config);
   if (algorithm == GNUTLS_SIGN_UNKNOWN) return -1;
-  const gnutls_datum_t messageDatum = datum(message);
-  const gnutls_datum_t signatureDatum = datum(signature);
-  const int result =
-      gnutls_pubkey_verify_data2(asGnutlsKey(key), algorithm, 0, &messageDatum, &signatureDatum);
-  return result < 0 ? kNotVerified : kVerified;
+  return verifyWith(algorithm, key, message, signature);
 }
 
 int verifyPairGnutls(const TestConfig& config, PubKey key, std::span<const std::uint8_t> message,
                      std::span<const std::uint8_t> r, std::span<const std::uint8_t> s) {
-  if (gnutlsSignId(config) == GNUTLS_SIGN_UNKNOWN) return -1;
+  const gnutls_sign_algorithm_t algorithm = gnutlsSignId(config);
+  if (algorithm == GNUTLS_SIGN_UNKNOWN) return -1;
   const Buffer encoding = encodeForVerify(r, s);
   if (encoding.size() == 0) return -1;
-  return verifyGnutls(config, key, message, encoding.bytes());
+  return verifyWith(algorithm, key, message, encoding.bytes());
 }
 
 }  // namespace runner
