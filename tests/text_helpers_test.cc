@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -88,23 +90,25 @@ TEST(HexToBin, ConvertsOrReportsTheOffendingCharacter) {
   }
 }
 
-// Every character value, at every place of a text that is long enough for the vector loop.
+// Every character value, at every place of texts that take a short step, two steps that overlap,
+// and several of the long ones.
 TEST(HexToBin, AcceptsJustTheHexadecimalDigits) {
   constexpr std::string_view kDigits = "0123456789abcdefABCDEF";
-  constexpr std::size_t kLength = 70;
-  Bytes out(kLength / 2);
   testing::internal::CaptureStdout();
-  for (int c = 1; c < 256; ++c) {
-    for (std::size_t place = 0; place < kLength; ++place) {
-      std::string text(kLength, '5');
-      text[place] = static_cast<char>(c);
-      const std::size_t digit = kDigits.find(static_cast<char>(c));
-      const bool valid = digit != std::string_view::npos;
-      ASSERT_EQ(hexToBin(text, out), valid ? 0 : -1) << c << " at " << place;
-      ASSERT_EQ(measureHex(text), valid ? kLength / 2 : (place + 1) / 2) << c << " at " << place;
-      if (!valid) continue;
-      const std::size_t value = digit < 16 ? digit : digit - 6;
-      ASSERT_EQ(out[place / 2], place % 2 == 0 ? value * 16 + 5 : 0x50 + value);
+  for (const std::size_t length : {6U, 22U, 70U}) {
+    Bytes out(length / 2);
+    for (int c = 1; c < 256; ++c) {
+      for (std::size_t place = 0; place < length; ++place) {
+        std::string text(length, '5');
+        text[place] = static_cast<char>(c);
+        const std::size_t digit = kDigits.find(static_cast<char>(c));
+        const bool valid = digit != std::string_view::npos;
+        ASSERT_EQ(hexToBin(text, out), valid ? 0 : -1) << c << " at " << place;
+        ASSERT_EQ(measureHex(text), valid ? length / 2 : (place + 1) / 2) << c << " at " << place;
+        if (!valid) continue;
+        const std::size_t value = digit < 16 ? digit : digit - 6;
+        ASSERT_EQ(out[place / 2], place % 2 == 0 ? value * 16 + 5 : 0x50 + value);
+      }
     }
   }
   testing::internal::GetCapturedStdout();
@@ -128,22 +132,25 @@ TEST(HexLineToBin, TakesWholeLinesThatFit) {
 TEST(WriteHex, WritesEveryByteInOrder) {
   const TempDir dir;
   Bytes bytes(20000);  // more than one chunk
-  std::string expected;
+  std::string digits;
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     bytes[i] = static_cast<std::uint8_t>(i * 7 + i / 256);
-    expected += "0123456789ABCDEF"[bytes[i] / 16];
-    expected += "0123456789ABCDEF"[bytes[i] % 16];
+    digits += "0123456789ABCDEF"[bytes[i] / 16];
+    digits += "0123456789ABCDEF"[bytes[i] % 16];
   }
   TextWriter file;
   ASSERT_TRUE(file.create(dir.file("out").c_str()));
-  writeHex(file, bytes);
-  writeHex(file, {});
+  std::string expected;
+  for (const std::size_t size : {20000U, 0U, 1U, 7U, 8U, 11U, 16U, 33U}) {
+    writeHex(file, std::span(bytes).first(size));
+    expected += digits.substr(0, 2 * size) + "\n";
+  }
   writeLowerHex(file, Bytes{0x00, 0xAB, 0x10});
   writeHashName(file, HashId::SHA384);
   writeHashName(file, static_cast<HashId>(7));
   ASSERT_TRUE(file.close());
   EXPECT_EQ(readFile(dir.file("out")),
-            expected + "\n\n00ab10\n[Hash]\nM_Hash_SHA384\n[Hash]\nunknown(7)\n");
+            expected + "00ab10\n[Hash]\nM_Hash_SHA384\n[Hash]\nunknown(7)\n");
 }
 
 TEST(Lines, AreReadByCapacityAndEndAtAZeroByte) {
@@ -162,6 +169,52 @@ TEST(Lines, AreReadByCapacityAndEndAtAZeroByte) {
   testing::internal::CaptureStdout();
   EXPECT_EQ(findSection(file, "[Key]"), -1);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "\"[Key]\" is not found!!\n");
+}
+
+// Lines that cross the blocks in which the file is read, and zero bytes that stand before and after
+// such a place, beside the same file cut into lines here.
+TEST(Lines, AreTheSameWhereverTheyStandInABlock) {
+  constexpr std::size_t kCapacity = 100;
+  const TempDir dir;
+  std::string content;
+  for (std::size_t i = 0; content.size() < 3 * kStreamBlockSize; ++i) {
+    std::string line(i * i % 130, static_cast<char>('a' + i % 26));
+    if (i % 7 == 0 && line.size() > 5) line[i % line.size()] = '\0';
+    content += line + "\n";
+  }
+  writeFile(dir.file("in"), content);
+  TextReader viewed;
+  TextReader copied;
+  ASSERT_TRUE(viewed.open(dir.file("in").c_str()));
+  ASSERT_TRUE(copied.open(dir.file("in").c_str()));
+  std::array<char, kCapacity> spare{};
+  std::array<char, kCapacity> line{};
+  for (std::size_t start = 0; start < content.size();) {
+    const std::string piece = content.substr(start, kCapacity - 1);
+    const std::size_t size = std::min(piece.find('\n'), piece.size() - 1) + 1;
+    const std::string_view text = std::string_view(piece).substr(0, size);
+    ASSERT_EQ(viewed.viewLine(spare), text.substr(0, text.find('\0'))) << start;
+    ASSERT_EQ(copied.readLine(line), text.substr(0, text.find('\0'))) << start;
+    ASSERT_STREQ(line.data(), std::string(text).c_str());
+    start += size;
+  }
+  EXPECT_EQ(viewed.viewLine(spare), std::nullopt);
+}
+
+TEST(TextWriter, AppendsTextsOfAllSizes) {
+  const TempDir dir;
+  const std::string path = dir.file("out");
+  std::string expected(kStreamBlockSize - 3, '-');
+  writeFile(path, expected);
+  TextWriter file;
+  ASSERT_TRUE(file.append(path.c_str()));
+  for (std::size_t size = 0; size < 3 * kStreamBlockSize; size = 3 * size + 1) {
+    const std::string text(size, static_cast<char>('a' + size % 26));
+    file.write(text);
+    expected += text;
+  }
+  ASSERT_TRUE(file.close());
+  EXPECT_EQ(readFile(path), expected);
 }
 
 TEST(Decimal, SaturatesAt64BitsAndKeepsTheLow32) {

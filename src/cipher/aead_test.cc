@@ -37,13 +37,13 @@ int allocateParams(const TestConfig& config, AeadParams& params) {
   return 0;
 }
 
-void writeValue(TestFiles& files, const char* key, std::span<const std::uint8_t> value) {
+void writeValue(TestFiles& files, std::string_view key, std::span<const std::uint8_t> value) {
   writeLine(files.response, key);
   writeHex(files.response, value);
 }
 
 // readSection finds the section `key` and reads its value, which has the length of `value`.
-int readSection(TestFiles& files, const char* key, std::span<std::uint8_t> value,
+int readSection(TestFiles& files, std::string_view key, std::span<std::uint8_t> value,
                 SectionSites sites) {
   if (enterSection(files, key, sites.section) < 0) return -1;
   return readHex(files, value, sites.value);
@@ -67,7 +67,7 @@ int readMeasured(TestFiles& files, Buffer& value, int& length, int site) {
 }
 
 // echoMeasuredSection finds the section `key`, reads its value with readMeasured, and writes both.
-int echoMeasuredSection(TestFiles& files, const char* key, Buffer& value, int& length,
+int echoMeasuredSection(TestFiles& files, std::string_view key, Buffer& value, int& length,
                         SectionSites sites) {
   if (enterSection(files, key, sites.section) < 0 ||
       readMeasured(files, value, length, sites.value) < 0) {
@@ -78,7 +78,7 @@ int echoMeasuredSection(TestFiles& files, const char* key, Buffer& value, int& l
 }
 
 int readCase(const TestConfig& config, TestFiles& files, AeadParams& params) {
-  const char* const textKey = isAeadEncryption(config) ? "[Plaintext]" : "[Ciphertext]";
+  const std::string_view textKey = isAeadEncryption(config) ? "[Plaintext]" : "[Ciphertext]";
   if (readSection(files, "[Key]", params.key.bytes(), {.section = 6587, .value = 6589}) < 0) {
     return -1;
   }
@@ -106,7 +106,7 @@ int computeCase(const TestConfig& config, AeadParams& params) {
 
 void writeResult(const TestConfig& config, TestFiles& files, const AeadParams& params) {
   const bool encrypts = isAeadEncryption(config);
-  const char* const outputKey = encrypts ? "[Ciphertext]" : "[Plaintext]";
+  const std::string_view outputKey = encrypts ? "[Ciphertext]" : "[Plaintext]";
   if (encrypts || params.tagValid > 0) {
     const auto size = static_cast<std::size_t>(params.outputLength);
     writeValue(files, outputKey, params.output.bytes().first(size));
@@ -130,7 +130,7 @@ int runCases(const TestConfig& config, TestFiles& files, AeadParams& params, int
 }
 
 int runTest(const TestConfig& config, TestFiles& files) {
-  const char* const countKey =
+  const std::string_view countKey =
       isAeadEncryption(config) ? "[Number of Plaintexts]" : "[Number of Ciphertexts]";
   Buffer line;
   if (!line.allocate(std::max(2 * textCapacity(config) + 1, kMinLineCapacity))) {

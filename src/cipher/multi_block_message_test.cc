@@ -24,8 +24,6 @@ int computeMessage(const TestConfig& config, TestFiles& files, int length, const
   const std::size_t digits = 2 * size;
   Buffer buffer;
   if (!buffer.allocate(digits + size + size + kBlockLength)) return mallocFailedAt(2380);
-  // The message follows the digits of a full line directly and may overwrite the zero byte behind
-  // it.
   const auto message = buffer.bytes().subspan(digits, size);
   const auto output = buffer.bytes().subspan(digits + size);
   files.line = buffer.text().first(digits + 1);

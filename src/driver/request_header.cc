@@ -230,7 +230,8 @@ Step readCharacteristic(HeaderScan& scan) {
   writeLine(scan.files.response, "[Characteristic]");
   const std::string_view value = nextValue(scan.files);
   if (!value.starts_with('p')) {
-    std::printf("unsupported characteristic(%s)!!\n", scan.line.data());
+    std::printf("unsupported characteristic(%.*s)!!\n", static_cast<int>(value.size()),
+                value.data());
     return Step::REFUSE;
   }
   writeText(scan.files.response, value);

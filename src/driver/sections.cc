@@ -5,18 +5,18 @@
 
 namespace runner {
 
-int enterSection(TestFiles& files, const char* key, int site) {
+int enterSection(TestFiles& files, std::string_view key, int site) {
   return findSection(files.request, key) < 0 ? failAt(site) : 0;
 }
 
-int echoSection(TestFiles& files, const char* key, int site) {
+int echoSection(TestFiles& files, std::string_view key, int site) {
   if (enterSection(files, key, site) < 0) return -1;
   writeLine(files.response, key);
   return 0;
 }
 
 std::optional<std::string_view> nextLine(TestFiles& files) {
-  return files.request.readLine(files.line);
+  return files.request.viewLine(files.line);
 }
 
 std::string_view nextValue(TestFiles& files) { return nextLine(files).value_or(""); }
@@ -29,7 +29,7 @@ std::optional<std::string_view> nextListLine(TestFiles& files, const char* compl
 }
 
 int nextDecimal(TestFiles& files) {
-  nextValue(files);
+  files.request.readLine(files.line);
   return decimal(files.line.data());
 }
 
@@ -55,7 +55,7 @@ int echoHex(TestFiles& files, std::span<std::uint8_t> out, int site) {
   return 0;
 }
 
-int echoHexSection(TestFiles& files, const char* key, std::span<std::uint8_t> out,
+int echoHexSection(TestFiles& files, std::string_view key, std::span<std::uint8_t> out,
                    SectionSites sites) {
   if (echoSection(files, key, sites.section) < 0) return -1;
   return echoHex(files, out, sites.value);

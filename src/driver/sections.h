@@ -13,8 +13,8 @@
 
 // The steps of which a test procedure consists: find a section of the request, read its values,
 // echo both into the response. A step that can fail returns 0, or -1 after it has printed what is
-// wrong; the `site` that it takes is the number of its failure line. All lines are read into
-// TestFiles::line.
+// wrong; the `site` that it takes is the number of its failure line. The size of TestFiles::line is
+// the capacity of all lines.
 
 namespace runner {
 
@@ -31,12 +31,13 @@ struct ValueSites {
 };
 
 // enterSection finds the section `key`; the next line read is its first one.
-int enterSection(TestFiles& files, const char* key, int site);
+int enterSection(TestFiles& files, std::string_view key, int site);
 
 // echoSection finds the section `key` and writes the key.
-int echoSection(TestFiles& files, const char* key, int site);
+int echoSection(TestFiles& files, std::string_view key, int site);
 
-// nextLine reads the next line; nothing at the end of the file.
+// nextLine reads the next line; nothing at the end of the file. The text holds until another line
+// is read.
 std::optional<std::string_view> nextLine(TestFiles& files);
 
 // nextValue reads the next line; a line that is missing because the file has ended is an empty one.
@@ -64,7 +65,7 @@ int readHex(TestFiles& files, std::span<std::uint8_t> out, int site);
 int echoHex(TestFiles& files, std::span<std::uint8_t> out, int site);
 
 // echoHexSection finds the section `key`, writes the key, and reads and writes its value.
-int echoHexSection(TestFiles& files, const char* key, std::span<std::uint8_t> out,
+int echoHexSection(TestFiles& files, std::string_view key, std::span<std::uint8_t> out,
                    SectionSites sites);
 
 // echoSized allocates `value` with `size` bytes, and converts and writes the hexadecimal digits at

@@ -7,8 +7,8 @@
 
 namespace runner {
 
-// TestFiles holds the two files of a test procedure while it runs, and the buffer into which it
-// reads lines: its size is the line capacity, and the procedure owns it.
+// TestFiles holds the two files of a test procedure while it runs, and a buffer for the lines that
+// it reads: its size is the line capacity, and the procedure owns it.
 struct TestFiles {
   TextReader request{};
   TextWriter response{};

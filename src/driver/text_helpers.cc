@@ -7,52 +7,12 @@
 #include <cstdlib>
 
 #include "driver/diagnostics.h"
-
-// Marks a loop over long values, which is compiled for AVX2 as well; the faster one is chosen when
-// the program is loaded. A macro, because only x86 has the attribute.
-#if defined(__x86_64__)
-#define RUNNER_VECTOR_CLONES __attribute__((target_clones("avx2", "default")))
-#else
-#define RUNNER_VECTOR_CLONES
-#endif
+#include "driver/hex_digits.h"
 
 namespace runner {
 namespace {
 
 constexpr std::size_t kSectionLineCapacity = 512;
-
-// The loops over hexadecimal text work on single bytes without branches or tables, in the form that
-// the compiler turns into vector instructions; long values are the ones whose speed counts.
-
-constexpr bool isHexDigit(std::uint8_t c) {
-  const auto number = static_cast<std::uint8_t>(c - '0');
-  const auto letter = static_cast<std::uint8_t>((c | 0x20) - 'a');
-  return static_cast<bool>(static_cast<int>(number < 10) | static_cast<int>(letter < 6));
-}
-
-// hexValue returns the value of a hexadecimal digit: bit 6 tells a letter from a number.
-constexpr std::uint8_t hexValue(std::uint8_t digit) {
-  return static_cast<std::uint8_t>((digit & 0x0F) + (digit >> 6) * 9);
-}
-
-// hexDigit returns the digit for `value`, with letters that begin at `ten`.
-constexpr char hexDigit(std::uint8_t value, char ten) {
-  return static_cast<char>(value + (value < 10 ? '0' : ten - 10));
-}
-
-// convertDigits converts 2 x count characters without regard to their validity, which it returns.
-RUNNER_VECTOR_CLONES
-bool convertDigits(const char* digits, std::uint8_t* out, std::size_t count) {
-  std::uint8_t invalid = 0;
-  for (std::size_t i = 0; i < count; ++i) {
-    const auto high = static_cast<std::uint8_t>(digits[2 * i]);
-    const auto low = static_cast<std::uint8_t>(digits[2 * i + 1]);
-    invalid |= static_cast<std::uint8_t>(!isHexDigit(high));
-    invalid |= static_cast<std::uint8_t>(!isHexDigit(low));
-    out[i] = static_cast<std::uint8_t>((hexValue(high) << 4) | hexValue(low));
-  }
-  return invalid == 0;
-}
 
 // reportIllegalData prints where `text` stops being hexadecimal, at character `digits`, and leaves
 // in `out` what was converted before it.
@@ -60,10 +20,10 @@ int reportIllegalData(std::string_view text, std::size_t digits, std::span<std::
   const std::size_t index = digits / 2;
   const std::size_t half = digits % 2;
   std::ranges::fill(out, std::uint8_t{0});
-  convertDigits(text.data(), out.data(), index);
+  (void)decodeDigits(text, out.first(index));
   if (half == 1) {
-    out[index] =
-        static_cast<std::uint8_t>(hexValue(static_cast<std::uint8_t>(text[digits - 1])) << 4);
+    const std::array<char, 2> pair{text[digits - 1], '0'};
+    (void)decodeDigits({pair.data(), pair.size()}, out.subspan(index, 1));
   }
   const std::string_view rest = text.substr(digits);
   std::printf("\nillegal data!! (%.*s)\nnum=%d, i=%d, j=%d\n", static_cast<int>(rest.size()),
@@ -72,22 +32,14 @@ int reportIllegalData(std::string_view text, std::size_t digits, std::span<std::
   return -1;
 }
 
-RUNNER_VECTOR_CLONES
-void encodeDigits(std::span<const std::uint8_t> bytes, char* out, char ten) {
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    out[2 * i] = hexDigit(static_cast<std::uint8_t>(bytes[i] >> 4), ten);
-    out[2 * i + 1] = hexDigit(static_cast<std::uint8_t>(bytes[i] & 0x0F), ten);
-  }
-}
-
-void writeHexDigits(TextWriter& stream, std::span<const std::uint8_t> bytes, char ten) {
-  constexpr std::size_t kChunk = kStreamBufferSize / 8;
+void writeHexDigits(TextWriter& stream, std::span<const std::uint8_t> bytes, DigitCase letters) {
+  constexpr std::size_t kChunk = (TextWriter::kMaxExtension - 1) / 2;
   while (bytes.size() > kChunk) {
-    encodeDigits(bytes.first(kChunk), stream.extend(2 * kChunk).data(), ten);
+    encodeDigits(bytes.first(kChunk), stream.extend(2 * kChunk), letters);
     bytes = bytes.subspan(kChunk);
   }
   const std::span<char> text = stream.extend(2 * bytes.size() + 1);
-  encodeDigits(bytes, text.data(), ten);
+  encodeDigits(bytes, text, letters);
   text.back() = '\n';
 }
 
@@ -114,13 +66,12 @@ int copyValue(std::string_view text, std::span<char> out) {
 
 }  // namespace
 
-int findSection(TextReader& stream, const char* key) {
-  std::array<char, kSectionLineCapacity> buffer;
-  const std::string_view start = key;
-  while (const auto line = stream.readLine(buffer)) {
-    if (line->starts_with(start)) return 0;
+int findSection(TextReader& stream, std::string_view key) {
+  std::array<char, kSectionLineCapacity> spare;
+  while (const auto line = stream.viewLine(spare)) {
+    if (line->starts_with(key)) return 0;
   }
-  std::printf("\"%s\" is not found!!\n", key);
+  std::printf("\"%.*s\" is not found!!\n", static_cast<int>(key.size()), key.data());
   return -1;
 }
 
@@ -146,24 +97,10 @@ std::size_t bytesForBits(int bits) {
   return bits <= 0 ? 0 : (static_cast<std::size_t>(bits) + 7) / 8;
 }
 
-std::size_t countHexDigits(std::string_view text) {
-  constexpr std::size_t kStride = 64;
-  std::size_t count = 0;
-  for (; count + kStride <= text.size(); count += kStride) {
-    std::uint8_t invalid = 0;
-    for (std::size_t i = 0; i < kStride; ++i) {
-      invalid |= static_cast<std::uint8_t>(!isHexDigit(static_cast<std::uint8_t>(text[count + i])));
-    }
-    if (invalid != 0) break;
-  }
-  while (count < text.size() && isHexDigit(static_cast<std::uint8_t>(text[count]))) ++count;
-  return count;
-}
-
 std::size_t measureHex(std::string_view text) { return (countHexDigits(text) + 1) / 2; }
 
 int hexToBin(std::string_view text, std::span<std::uint8_t> out) {
-  if (out.size() <= text.size() / 2 && convertDigits(text.data(), out.data(), out.size())) return 0;
+  if (out.size() <= text.size() / 2 && decodeDigits(text, out)) return 0;
   return reportIllegalData(text, countHexDigits(text.substr(0, 2 * out.size())), out);
 }
 
@@ -171,7 +108,7 @@ std::optional<std::size_t> hexLineToBin(std::string_view line, std::span<std::ui
   if (line.ends_with('\n')) line.remove_suffix(1);
   const std::size_t count = line.size() / 2;
   const bool fits = line.size() % 2 == 0 && count <= out.size();
-  if (!fits || !convertDigits(line.data(), out.data(), count)) return std::nullopt;
+  if (!fits || !decodeDigits(line, out.first(count))) return std::nullopt;
   return count;
 }
 
@@ -180,7 +117,7 @@ int hexToBlock(std::string_view text, std::span<std::uint8_t, 16> block) {
 }
 
 void writeHex(TextWriter& stream, std::span<const std::uint8_t> bytes) {
-  writeHexDigits(stream, bytes, 'A');
+  writeHexDigits(stream, bytes, DigitCase::UPPER);
 }
 
 void writeBlockHex(TextWriter& stream, std::span<const std::uint8_t, 16> block) {
@@ -188,14 +125,15 @@ void writeBlockHex(TextWriter& stream, std::span<const std::uint8_t, 16> block) 
 }
 
 void writeLowerHex(TextWriter& stream, std::span<const std::uint8_t> bytes) {
-  writeHexDigits(stream, bytes, 'a');
+  writeHexDigits(stream, bytes, DigitCase::LOWER);
 }
 
 void writeText(TextWriter& stream, std::string_view text) { stream.write(text); }
 
 void writeLine(TextWriter& stream, std::string_view text) {
-  stream.write(text);
-  stream.extend(1).front() = '\n';
+  const std::span<char> line = stream.extend(text.size() + 1);
+  text.copy(line.data(), text.size());
+  line.back() = '\n';
 }
 
 void writeDecimal(TextWriter& stream, int number) {

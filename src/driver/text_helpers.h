@@ -12,14 +12,14 @@
 
 // The vocabulary of request and response text: lines of a fixed capacity, section keys,
 // name = value lines, decimal numbers and hexadecimal byte strings. No function here keeps a state
-// or allocates memory. A text that came from readLine is followed by a zero byte in its buffer.
+// or allocates memory.
 
 namespace runner {
 
 // findSection reads lines of at most 511 characters until one begins with the whole `key`, and
 // leaves the stream at the line after it. Returns 0. When the stream ends first it prints
 // "\"KEY\" is not found!!" and returns -1.
-int findSection(TextReader& stream, const char* key);
+int findSection(TextReader& stream, std::string_view key);
 
 // getStr finds `pattern` in `line` and copies the value that follows it, up to a carriage return, a
 // line feed, "]", a blank or the end of the line, with a closing zero byte into `out`, whose size
@@ -37,9 +37,6 @@ int decimal(const char* text);
 
 // bytesForBits returns the number of bytes that hold `bits` bits, 0 for a negative number of bits.
 std::size_t bytesForBits(int bits);
-
-// countHexDigits returns the number of hexadecimal digits, of either case, at the start of `text`.
-std::size_t countHexDigits(std::string_view text);
 
 // measureHex returns the number of bytes that the hexadecimal digits at the start of `text` call
 // for: (d + 1) / 2 for d digits of either case. An odd number of digits then fails in hexToBin.
@@ -75,7 +72,7 @@ void writeLowerHex(TextWriter& stream, std::span<const std::uint8_t> bytes);
 // writeText writes `text` as it stands.
 void writeText(TextWriter& stream, std::string_view text);
 
-// writeLine writes `text` and a newline.
+// writeLine writes `text`, which is shorter than TextWriter::kMaxExtension, and a newline.
 void writeLine(TextWriter& stream, std::string_view text);
 
 // writeDecimal writes `number` in decimal and a newline.

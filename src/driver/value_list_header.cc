@@ -174,7 +174,7 @@ bool readItems(TestConfig& config, TextReader& request, std::span<char> buffer,
   unsigned missing = 0;
   for (const ItemLine& row : rows) missing |= bitOf(row.item);
   while (missing != 0) {
-    const auto line = request.readLine(buffer);
+    const auto line = request.viewLine(buffer);
     if (!line) return false;
     for (const ItemLine& row : rows) {
       const auto number = findItem(*line, row);
@@ -191,7 +191,7 @@ bool readItems(TestConfig& config, TextReader& request, std::span<char> buffer,
 
 // scanForNumber reads lines until one has the value of `pattern`; nothing when the file ends first.
 std::optional<int> scanForNumber(TextReader& request, std::span<char> buffer, const char* pattern) {
-  while (const auto line = request.readLine(buffer)) {
+  while (const auto line = request.viewLine(buffer)) {
     if (const auto number = findNumber(*line, pattern)) return number;
   }
   return std::nullopt;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "driver/diagnostics.h"
+#include "driver/hex_digits.h"
 #include "driver/text_helpers.h"
 #include "ec/curve_state.h"
 #include "sig/key_records.h"

@@ -123,8 +123,8 @@ int runTest(const TestConfig& config, TestFiles& files) {
       echoSection(files, "[Initial Data for PGMT]", 6259) < 0) {
     return -1;
   }
-  const std::string_view seedText = nextValue(files);
   // The seed waits in its line until its length is known.
+  const std::string_view seedText = files.request.readLine(files.line).value_or("");
   std::array<char, kBitLengthCapacity> bitsLine{};
   files.line = bitsLine;
   int bits = 0;

@@ -22,8 +22,8 @@ void writeNamedValue(TestFiles& files, const char* name, std::span<const std::ui
 // findGroup copies lines up to and including the next one that contains all `marks`. Returns false
 // at the end of the file.
 bool findGroup(TestFiles& files, std::span<const char* const> marks) {
-  std::array<char, kLineCapacity> buffer{};
-  while (const auto line = files.request.readLine(buffer)) {
+  std::array<char, kLineCapacity> buffer;
+  while (const auto line = files.request.viewLine(buffer)) {
     if (line->starts_with('#')) continue;
     writeText(files.response, *line);
     const auto isInLine = [&line](const char* mark) {
@@ -68,7 +68,8 @@ std::optional<std::string_view> nextNamedValue(TestFiles& files, const char* nam
     return std::nullopt;
   }
   if (!line->starts_with(name)) {
-    std::printf("\"%s\" is not found!! (%d)\n%s\n", name, site, files.line.data());
+    std::printf("\"%s\" is not found!! (%d)\n%.*s\n", name, site, static_cast<int>(line->size()),
+                line->data());
     return std::nullopt;
   }
   return line->substr(std::string_view(name).size());
