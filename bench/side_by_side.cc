@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <memory>
 #include <vector>
 
 namespace {
@@ -29,6 +30,8 @@ class SilentConsole {
 
   int console_;
 };
+
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 double secondsOf(const std::function<void()>& work) {
   const auto start = std::chrono::steady_clock::now();
@@ -58,6 +61,16 @@ WorkFiles::~WorkFiles() { std::filesystem::remove_all(directory_); }
 
 void WorkFiles::copyRequest() const {
   std::filesystem::copy_file(request_, copy_, std::filesystem::copy_options::overwrite_existing);
+}
+
+void WorkFiles::copyRequestByLines(std::size_t longest) const {
+  const File request(std::fopen(request_.c_str(), "r"), std::fclose);
+  const File copy(std::fopen(copy_.c_str(), "w"), std::fclose);
+  if (!request || !copy) std::abort();
+  std::vector<char> line(longest + 2);
+  while (std::fgets(line.data(), static_cast<int>(line.size()), request.get()) != nullptr) {
+    std::fputs(line.data(), copy.get());
+  }
 }
 
 void WorkFiles::removeOutputs() const {

@@ -21,8 +21,13 @@ class WorkFiles {
   [[nodiscard]] const char* response() const { return response_.c_str(); }
   [[nodiscard]] const char* copy() const { return copy_.c_str(); }
 
-  // copyRequest copies the request to a new file, as a measure of what the files cost.
+  // copyRequest copies the request to a new file, as a measure of what the files cost: the kernel
+  // does it, which is the least that it can cost.
   void copyRequest() const;
+
+  // copyRequestByLines does so with the line functions of the C library. No line is longer than
+  // `longest` characters.
+  void copyRequestByLines(std::size_t longest) const;
 
   // removeOutputs removes the response and the copy.
   void removeOutputs() const;

@@ -91,11 +91,11 @@ TEST(HexToBin, ConvertsOrReportsTheOffendingCharacter) {
 }
 
 // Every character value, at every place of texts that take a short step, two steps that overlap,
-// and several of the long ones.
+// and several of the long ones, and the loop for long values.
 TEST(HexToBin, AcceptsJustTheHexadecimalDigits) {
   constexpr std::string_view kDigits = "0123456789abcdefABCDEF";
   testing::internal::CaptureStdout();
-  for (const std::size_t length : {6U, 22U, 70U}) {
+  for (const std::size_t length : {6U, 22U, 70U, 530U}) {
     Bytes out(length / 2);
     for (int c = 1; c < 256; ++c) {
       for (std::size_t place = 0; place < length; ++place) {
@@ -141,7 +141,7 @@ TEST(WriteHex, WritesEveryByteInOrder) {
   TextWriter file;
   ASSERT_TRUE(file.create(dir.file("out").c_str()));
   std::string expected;
-  for (const std::size_t size : {20000U, 0U, 1U, 7U, 8U, 11U, 16U, 33U}) {
+  for (const std::size_t size : {20000U, 0U, 1U, 7U, 8U, 11U, 16U, 33U, 300U}) {
     writeHex(file, std::span(bytes).first(size));
     expected += digits.substr(0, 2 * size) + "\n";
   }
