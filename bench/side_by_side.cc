@@ -8,8 +8,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <memory>
 #include <vector>
+
+#include "driver/text_stream.h"
 
 namespace {
 
@@ -30,8 +31,6 @@ class SilentConsole {
 
   int console_;
 };
-
-using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 double secondsOf(const std::function<void()>& work) {
   const auto start = std::chrono::steady_clock::now();
@@ -64,8 +63,8 @@ void WorkFiles::copyRequest() const {
 }
 
 void WorkFiles::copyRequestByLines(std::size_t longest) const {
-  const File request(std::fopen(request_.c_str(), "r"), std::fclose);
-  const File copy(std::fopen(copy_.c_str(), "w"), std::fclose);
+  const runner::FileHandle request(std::fopen(request_.c_str(), "r"));
+  const runner::FileHandle copy(std::fopen(copy_.c_str(), "w"));
   if (!request || !copy) std::abort();
   std::vector<char> line(longest + 2);
   while (std::fgets(line.data(), static_cast<int>(line.size()), request.get()) != nullptr) {

@@ -14,7 +14,7 @@
 // The steps of which a test procedure consists: find a section of the request, read its values,
 // echo both into the response. A step that can fail returns 0, or -1 after it has printed what is
 // wrong; the `site` that it takes is the number of its failure line. The size of TestFiles::line is
-// the capacity of all lines.
+// the capacity of the value lines.
 
 namespace runner {
 

@@ -33,7 +33,7 @@ int reportIllegalData(std::string_view text, std::size_t digits, std::span<std::
 }
 
 void writeHexDigits(TextWriter& stream, std::span<const std::uint8_t> bytes, DigitCase letters) {
-  constexpr std::size_t kChunk = (TextWriter::kMaxExtension - 1) / 2;
+  constexpr std::size_t kChunk = TextWriter::kMaxExtension / 4;
   while (bytes.size() > kChunk) {
     encodeDigits(bytes.first(kChunk), stream.extend(2 * kChunk), letters);
     bytes = bytes.subspan(kChunk);

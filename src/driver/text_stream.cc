@@ -6,6 +6,7 @@
 namespace runner {
 namespace {
 
+// openUnbuffered opens a file without a buffer in the C library.
 FileHandle openUnbuffered(const char* path, const char* mode) {
   FileHandle file(std::fopen(path, mode));
   if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
@@ -44,15 +45,15 @@ std::optional<std::string_view> TextReader::gatherLine(std::span<char> line) {
   while (!ended && length < room && (clean_.data() != end_ || refill())) {
     const auto unread = std::string_view(clean_.data(), end_).substr(0, room - length);
     const auto piece = unread.substr(0, std::min(unread.find('\n'), unread.size() - 1) + 1);
-    if (piece.size() > clean_.size()) textLength = std::min(textLength, length + clean_.size());
-    ended = piece.back() == '\n';
-    piece.copy(&line[length], piece.size());
-    length += piece.size();
     if (piece.size() > clean_.size()) {
+      textLength = std::min(textLength, length + clean_.size());
       continueAt(piece.end());
     } else {
       clean_.remove_prefix(piece.size());
     }
+    piece.copy(&line[length], piece.size());
+    length += piece.size();
+    ended = piece.back() == '\n';
   }
   if (length == 0) return std::nullopt;
   return std::string_view(line.data(), std::min(length, textLength));

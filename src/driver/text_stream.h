@@ -19,7 +19,7 @@ struct FileCloser {
   void operator()(std::FILE* file) const noexcept { std::fclose(file); }
 };
 
-// FileHandle owns an open file without a buffer in the C library.
+// FileHandle owns an open file.
 using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 
 // The streams read and write the file in blocks of this size.

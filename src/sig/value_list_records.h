@@ -24,10 +24,10 @@
 //   <name> = <digits>              the key and the signature, each as long as it is
 //   Result = ...                   written as "Result = P" or "Result = F"
 //
-// The lines from COUNT to Result follow one another directly. Within a group lines are read into
-// TestFiles::line, whose capacity the group sets; outside one, where it is not used, with at
-// most 127 characters. A longer line is seen as several. The `site` that a step takes is the
-// number of its failure line.
+// The lines from COUNT to Result follow one another directly. Within a group the size of
+// TestFiles::line, which the group sets, is the capacity of the lines; outside one they have at
+// most 127 characters. A longer line is seen as several. The `site` that a step takes is the number
+// of its failure line.
 
 namespace runner {
 
