@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "cipher/monte_carlo_test.h"
-#include "cipher/multi_block_message_test.h"
+#include "cipher/monte_carlo.h"
+#include "cipher/multi_block_message.h"
 #include "driver/test_config.h"
-#include "driver/text_stream.h"
 #include "side_by_side.h"
+#include "text/text_stream.h"
 
 // procMCT and procMMT beside the GnuTLS calls that they cannot do without.
 

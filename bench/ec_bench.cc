@@ -8,8 +8,8 @@
 #include <functional>
 #include <string>
 
-#include "ec/ecdsa_verification_test.h"
-#include "ec/public_key_validation_test.h"
+#include "ec/ecdsa_verification.h"
+#include "ec/public_key_validation.h"
 #include "side_by_side.h"
 
 // P-256 requests of the signature of RFC 6979, A.2.5, over "sample" with SHA-256, repeated, beside

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "cipher/aead_test.h"
+#include "cipher/gcm_cases.h"
 #include "side_by_side.h"
 
 // AES-GCM requests beside the copying of the request file and the bare engine calls.

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "driver/test_config.h"
-#include "hash/message_tests.h"
-#include "hash/pseudo_random_message_test.h"
+#include "hash/pseudo_random_messages.h"
+#include "hash/short_and_long_messages.h"
 #include "side_by_side.h"
 
 // Hash tests beside the GnuTLS calls that they cannot do without.

@@ -10,7 +10,7 @@
 #include <fstream>
 #include <vector>
 
-#include "driver/text_stream.h"
+#include "text/text_stream.h"
 
 namespace {
 

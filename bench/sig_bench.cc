@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "driver/test_config.h"
-#include "driver/text_helpers.h"
 #include "side_by_side.h"
-#include "sig/dsa_verification_test.h"
-#include "sig/rsa_verification_test.h"
+#include "sig/dsa_verification.h"
+#include "sig/rsa_verification.h"
 #include "sig/signature_primitives.h"
+#include "text/text_helpers.h"
 
 // The signature tests beside the engine's own work: making the key, verifying, releasing the key.
 // The signatures are those of the examples, repeated.

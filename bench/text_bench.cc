@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "driver/text_helpers.h"
-#include "driver/text_stream.h"
+#include "text/text_helpers.h"
+#include "text/text_stream.h"
 
 // The two conversions of hexadecimal text on a long value; bytes_per_second counts the text.
 

@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "driver/test_config.h"
-#include "driver/text_helpers.h"
-#include "ec/ecdsa_value_list_test.h"
+#include "ec/ecdsa_value_list.h"
 #include "side_by_side.h"
-#include "sig/dsa_value_list_test.h"
+#include "sig/dsa_value_list.h"
 #include "sig/signature_primitives.h"
+#include "text/text_helpers.h"
 
 // Value-list verification beside the engine's own work: making the key, verifying, releasing the
 // key. The records are those of the examples, repeated.

@@ -11,7 +11,7 @@
 #include "driver/dispatch.h"
 #include "driver/request_header.h"
 #include "driver/test_config.h"
-#include "driver/text_stream.h"
+#include "text/text_stream.h"
 
 // A whole request, header and tests, through the engine that its first byte selects.
 

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "driver/text_helpers.h"
+#include "text/text_helpers.h"
 
 // The conversions of text on arbitrary bytes: the first byte sizes the output, the second splits
 // the rest into a pattern and a line.

@@ -1,4 +1,4 @@
-#include "driver/text_helpers.h"
+#include "text/text_helpers.h"
 
 #include <gtest/gtest.h>
 
@@ -9,10 +9,10 @@
 #include <string_view>
 #include <vector>
 
-#include "driver/buffer.h"
-#include "driver/record_list.h"
-#include "driver/test_files.h"
 #include "support/run_request.h"
+#include "text/buffer.h"
+#include "text/record_list.h"
+#include "text/test_files.h"
 
 namespace runner {
 namespace {

@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "cipher/cipher_handles.h"
-#include "driver/diagnostics.h"
+#include "text/diagnostics.h"
 
 namespace runner {
 namespace {

@@ -3,8 +3,8 @@
 
 #include <cstddef>
 
-#include "driver/buffer.h"
 #include "driver/test_config.h"
+#include "text/buffer.h"
 
 // AES-GCM (SP 800-38D) with a tag of 16 bytes through the engine of the run. Each call makes its
 // own cipher context and releases it. A key length of 32 bytes selects AES-256-GCM, any other

@@ -1,7 +1,7 @@
 #include "cipher/aes_engine.h"
 
 #include "cipher/cipher_handles.h"
-#include "driver/diagnostics.h"
+#include "text/diagnostics.h"
 
 namespace runner {
 namespace {

@@ -10,7 +10,7 @@
 #include <memory>
 #include <type_traits>
 
-#include "driver/diagnostics.h"
+#include "text/diagnostics.h"
 
 // The engines' cipher contexts, owned. For the adapters only.
 

@@ -6,22 +6,22 @@
 #include <cstdio>
 #include <ctime>
 
-#include "cipher/aead_test.h"
-#include "cipher/known_answer_tests.h"
-#include "cipher/monte_carlo_test.h"
-#include "cipher/multi_block_message_test.h"
-#include "driver/diagnostics.h"
+#include "cipher/gcm_cases.h"
+#include "cipher/known_answers.h"
+#include "cipher/monte_carlo.h"
+#include "cipher/multi_block_message.h"
 #include "driver/request_header.h"
-#include "driver/test_files.h"
-#include "driver/text_helpers.h"
-#include "ec/ecdsa_value_list_test.h"
-#include "ec/ecdsa_verification_test.h"
-#include "ec/public_key_validation_test.h"
-#include "hash/message_tests.h"
-#include "hash/pseudo_random_message_test.h"
-#include "sig/dsa_value_list_test.h"
-#include "sig/dsa_verification_test.h"
-#include "sig/rsa_verification_test.h"
+#include "ec/ecdsa_value_list.h"
+#include "ec/ecdsa_verification.h"
+#include "ec/public_key_validation.h"
+#include "hash/pseudo_random_messages.h"
+#include "hash/short_and_long_messages.h"
+#include "sig/dsa_value_list.h"
+#include "sig/dsa_verification.h"
+#include "sig/rsa_verification.h"
+#include "text/diagnostics.h"
+#include "text/test_files.h"
+#include "text/text_helpers.h"
 
 namespace runner {
 namespace {
@@ -101,12 +101,12 @@ void runVerification(const TestConfig& config, const char* requestPath, const ch
 
 }  // namespace
 
-int runRequest(const char* requestPath, const char* responsePath) {
+int runRequest(const char* requestPath, const char* responsePath, CryptEngine engine) {
   if (isSameFile(requestPath, responsePath)) return failOpening(responsePath);
   TestConfig config;
   startResponse(responsePath);
   if (parseRequestHeader(config, requestPath, responsePath) < 0) return -1;
-  config.engine = CryptEngine::GNUTLS;
+  config.engine = engine;
   runTests(config, requestPath, responsePath);
   return 0;
 }

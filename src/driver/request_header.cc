@@ -5,11 +5,11 @@
 #include <cstdio>
 #include <string_view>
 
-#include "driver/diagnostics.h"
-#include "driver/sections.h"
-#include "driver/test_files.h"
-#include "driver/text_helpers.h"
 #include "driver/value_list_header.h"
+#include "text/diagnostics.h"
+#include "text/sections.h"
+#include "text/test_files.h"
+#include "text/text_helpers.h"
 
 namespace runner {
 namespace {

@@ -7,9 +7,9 @@
 #include <span>
 #include <string_view>
 
-#include "driver/diagnostics.h"
-#include "driver/text_helpers.h"
-#include "driver/text_stream.h"
+#include "text/diagnostics.h"
+#include "text/text_helpers.h"
+#include "text/text_stream.h"
 
 namespace runner {
 namespace {

@@ -7,10 +7,10 @@
 #include <memory>
 #include <utility>
 
-#include "driver/diagnostics.h"
-#include "driver/text_helpers.h"
 #include "ec/curve_table.h"
 #include "sig/sig_handles.h"
+#include "text/diagnostics.h"
+#include "text/text_helpers.h"
 
 namespace runner {
 namespace {

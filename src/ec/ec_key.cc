@@ -6,12 +6,12 @@
 #include <cstdio>
 #include <memory>
 
-#include "driver/diagnostics.h"
 #include "ec/curve_lookup.h"
 #include "ec/curve_state.h"
 #include "ec/curve_table.h"
 #include "sig/openssl_error.h"
 #include "sig/sig_handles.h"
+#include "text/diagnostics.h"
 
 namespace runner {
 namespace {

@@ -2,10 +2,10 @@
 
 #include <memory>
 
-#include "driver/diagnostics.h"
 #include "sig/openssl_error.h"
 #include "sig/sig_handles.h"
 #include "sig/signature_primitives.h"
+#include "text/diagnostics.h"
 
 namespace runner {
 namespace {

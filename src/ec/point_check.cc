@@ -1,7 +1,7 @@
 #include "ec/point_check.h"
 
-#include "driver/diagnostics.h"
 #include "sig/sig_handles.h"
+#include "text/diagnostics.h"
 
 // GnuTLS has the function since 3.3.0. Bound weakly, it is null when the program is loaded with a
 // library that lacks it.

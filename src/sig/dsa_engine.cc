@@ -1,9 +1,9 @@
 #include "sig/dsa_engine.h"
 
-#include "driver/diagnostics.h"
 #include "sig/openssl_error.h"
 #include "sig/sig_handles.h"
 #include "sig/signature_primitives.h"
+#include "text/diagnostics.h"
 
 namespace runner {
 namespace {

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-#include "driver/diagnostics.h"
+#include "text/diagnostics.h"
 
 namespace runner {
 namespace {

@@ -5,10 +5,10 @@
 #include <cstdint>
 #include <span>
 
-#include "driver/buffer.h"
-#include "driver/record_list.h"
-#include "driver/sections.h"
-#include "driver/test_files.h"
+#include "text/buffer.h"
+#include "text/record_list.h"
+#include "text/sections.h"
+#include "text/test_files.h"
 
 // The records of a signature verification test. A request gives them in three lists of one line a
 // record: the keys, from which the records are made, then the messages and the signatures, in the

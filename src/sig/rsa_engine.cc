@@ -2,9 +2,9 @@
 
 #include <cstdio>
 
-#include "driver/diagnostics.h"
 #include "sig/sig_handles.h"
 #include "sig/signature_primitives.h"
+#include "text/diagnostics.h"
 
 namespace runner {
 namespace {

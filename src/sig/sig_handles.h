@@ -13,8 +13,8 @@
 #include <span>
 #include <type_traits>
 
-#include "driver/diagnostics.h"
 #include "sig/pubkey.h"
+#include "text/diagnostics.h"
 
 // The engines' keys and numbers, owned, and what a PubKey stands for. For the adapters only.
 

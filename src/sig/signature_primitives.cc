@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "driver/diagnostics.h"
 #include "hash/digest_engine.h"
 #include "sig/sig_handles.h"
+#include "text/diagnostics.h"
 
 namespace runner {
 namespace {

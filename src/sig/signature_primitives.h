@@ -10,9 +10,9 @@
 #include <optional>
 #include <span>
 
-#include "driver/buffer.h"
 #include "driver/test_config.h"
 #include "sig/pubkey.h"
+#include "text/buffer.h"
 
 // What the RSA, DSA and ECDSA adapters share: the engines' numbers for hashes and signature
 // algorithms, the digest that OpenSSL's verification wants, the encoding of a pair (r, s), and

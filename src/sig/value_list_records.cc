@@ -4,9 +4,9 @@
 #include <array>
 #include <cstdio>
 
-#include "driver/diagnostics.h"
-#include "driver/sections.h"
-#include "driver/text_helpers.h"
+#include "text/diagnostics.h"
+#include "text/sections.h"
+#include "text/text_helpers.h"
 
 namespace runner {
 namespace {

@@ -8,9 +8,9 @@
 #include <span>
 #include <string_view>
 
-#include "driver/buffer.h"
 #include "driver/test_config.h"
-#include "driver/test_files.h"
+#include "text/buffer.h"
+#include "text/test_files.h"
 
 // The steps of which a value-list signature test consists. Such a test copies the request into the
 // response as it reads it, with its values in lower-case digits and a verdict for each record:

@@ -1,0 +1,44 @@
+#ifndef RUNNER_CIPHER_KNOWN_ANSWERS_H_
+#define RUNNER_CIPHER_KNOWN_ANSWERS_H_
+
+#include "driver/test_config.h"
+
+namespace runner {
+
+// The known-answer tests compute lists of single AES blocks, each with the zero IV. In all keys, %s
+// stands for the variant: "Text" and "GFSbox" with the zero key, "Key" and "KeySbox" with the zero
+// plaintext. A list is all lines up to the next section or the end of the file.
+//
+// procKAT_VarText reads
+//   [Plaintext for KAT-%s]   blocks of 32 digits (decryption: [Ciphertext for KAT-%s])
+// and writes
+//   [Key for KAT-%s]         the zero key
+//   [Plaintext for KAT-%s]   the blocks
+//   [IV for KAT-%s]          the zero IV (CBC only)
+//   [Ciphertext for KAT-%s]  the results
+// with the plaintext and ciphertext keys exchanged for decryption. A line that does not convert, or
+// an engine that fails, ends the test before anything is written.
+//
+// Both return the result of the last engine call (0 for an empty list). They return a negative
+// number, with nothing written, after "can't open PATH", "unexpected key length!!" for a key of
+// more than 32 bytes, or what is wrong followed by "err happens!! (N)" or "malloc err!! (N)".
+int procKAT_VarText(const TestConfig& config, const char* requestPath, const char* responsePath,
+                    const char* variant);
+
+// procKAT_VarKey reads
+//   [Ciphertext for KAT-%s]  blocks of 32 digits (decryption only)
+//   [Key for KAT-%s]         keys of 2 x keyLength digits; for decryption one for each block
+// and writes
+//   [Plaintext for KAT-%s]   the zero block, once (decryption: [Ciphertext for KAT-%s], the blocks)
+//   [IV for KAT-%s]          the zero IV (CBC only)
+//   [Key for KAT-%s]         the keys
+//   [Ciphertext for KAT-%s]  the results (decryption: [Plaintext for KAT-%s])
+// A line that does not convert ends its list with that entry; the entries read so far are computed
+// and written. So are blocks left without a key, under the zero key, after "unexpected EOF!!" or
+// "unexpected end of key data!!".
+int procKAT_VarKey(const TestConfig& config, const char* requestPath, const char* responsePath,
+                   const char* variant);
+
+}  // namespace runner
+
+#endif  // RUNNER_CIPHER_KNOWN_ANSWERS_H_

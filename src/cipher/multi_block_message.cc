@@ -1,0 +1,67 @@
+#include "cipher/multi_block_message.h"
+
+#include <array>
+#include <cstddef>
+#include <span>
+
+#include "cipher/aes_steps.h"
+#include "text/buffer.h"
+#include "text/diagnostics.h"
+#include "text/sections.h"
+#include "text/text_helpers.h"
+
+namespace runner {
+namespace {
+
+// The largest number of blocks whose buffer size fits 32 bits.
+constexpr int kMaxBlocks = 33554431;
+
+// computeMessage reads the message of `length` bytes, computes and writes the result. One buffer
+// holds the line, the message and the result.
+int computeMessage(const TestConfig& config, TestFiles& files, int length, const std::uint8_t* key,
+                   const std::uint8_t* iv) {
+  const auto size = static_cast<std::size_t>(length);
+  const std::size_t digits = 2 * size;
+  Buffer buffer;
+  if (!buffer.allocate(digits + size + size + kBlockLength)) return mallocFailedAt(2380);
+  const auto message = buffer.bytes().subspan(digits, size);
+  const auto output = buffer.bytes().subspan(digits + size);
+  files.line = buffer.text().first(digits + 1);
+  if (echoHex(files, message, 2385) < 0) return -1;
+  const int result = computeCipher(config, message.data(), length, key, iv, output.data(),
+                                   {.encryption = 2390, .decryption = 2392});
+  if (result < 0) return result;
+  writeLine(files.response, isEncryption(config) ? "[Ciphertext for MMT]" : "[Plaintext for MMT]");
+  writeHex(files.response, output.first(size));
+  return result;
+}
+
+int runTest(const TestConfig& config, TestFiles& files) {
+  int blocks = 0;
+  std::array<std::uint8_t, kMaxAesKeyLength> keyBytes{};
+  const auto key = std::span(keyBytes).first(static_cast<std::size_t>(config.keyLength));
+  Block iv{};
+  const char* const inputKey =
+      isEncryption(config) ? "[Plaintext for MMT]" : "[Ciphertext for MMT]";
+  if (echoSection(files, "[Number of Blocks for MMT]", 2346) < 0) return -1;
+  if (echoPositive(files, blocks, "illegal blknum!!", kMaxBlocks) < 0) return -1;
+  if (echoHexSection(files, "[Key for MMT]", key, {.section = 2360, .value = 2363}) < 0) return -1;
+  if (isCbc(config) &&
+      echoHexSection(files, "[IV for MMT]", iv, {.section = 2369, .value = 2372}) < 0) {
+    return -1;
+  }
+  if (echoSection(files, inputKey, 2378) < 0) return -1;
+  return computeMessage(config, files, blocks * static_cast<int>(kBlockLength), key.data(),
+                        iv.data());
+}
+
+}  // namespace
+
+int procMMT(const TestConfig& config, const char* requestPath, const char* responsePath) {
+  std::array<char, kAesLineCapacity> line{};
+  TestFiles files{.line = line};
+  if (openAesFiles(files, config, requestPath, responsePath) < 0) return -1;
+  return closeFiles(files, responsePath, runTest(config, files));
+}
+
+}  // namespace runner

@@ -1,0 +1,191 @@
+#include "hash/short_and_long_messages.h"
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <span>
+#include <string_view>
+
+#include "hash/hash_steps.h"
+#include "text/buffer.h"
+#include "text/diagnostics.h"
+#include "text/sections.h"
+#include "text/text_helpers.h"
+
+namespace runner {
+namespace {
+
+constexpr std::size_t kParameterCapacity = 128;
+
+// What a message line may hold beyond its digits.
+constexpr std::size_t kLineSlack = 7;
+
+// What tells the two tests apart, besides the lengths of their messages.
+struct MessageTest {
+  const char* dataKey;
+  const char* hashKey;
+  const char* macKey;
+  int resultsAllocation;
+  MacKeySites key;
+  int dataSection;
+  int lineAllocation;
+  ValueSites message;
+  DigestSites digest;
+};
+
+constexpr MessageTest shortMessageTest{
+    .dataKey = "[Data of SMT]",
+    .hashKey = "[Hash Value of SMT]",
+    .macKey = "[MAC of SMT]",
+    .resultsAllocation = 6004,
+    .key = {.allocation = 6006, .section = 6009, .value = 6012},
+    .dataSection = 6016,
+    .lineAllocation = 6021,
+    .message = {.allocation = 6031, .value = 6032},
+    .digest = {.hash = 6038, .hmac = 6040},
+};
+
+constexpr MessageTest longMessageTest{
+    .dataKey = "[Data of SLMT]",
+    .hashKey = "[Hash Value of SLMT]",
+    .macKey = "[MAC of SLMT]",
+    .resultsAllocation = 6120,
+    .key = {.allocation = 6122, .section = 6124, .value = 6127},
+    .dataSection = 6144,
+    .lineAllocation = 6151,
+    .message = {.allocation = 6160, .value = 6161},
+    .digest = {.hash = 6165, .hmac = 6167},
+};
+
+// The messages of a test in bytes: the first one is `first` long, each other `step` longer than the
+// one before.
+struct MessageLengths {
+  std::size_t count;
+  std::size_t first;
+  std::size_t step;
+
+  [[nodiscard]] std::size_t at(std::size_t index) const { return first + index * step; }
+  [[nodiscard]] std::size_t longest() const { return at(count - 1); }
+};
+
+struct MessageRun {
+  const MessageTest& test;
+  const TestConfig& config;
+  TestFiles& files;
+  const HashProperties& hash;
+  Buffer results{};
+  Buffer key{};
+  Buffer line{};
+  Buffer message{};
+};
+
+std::size_t blockLength(const HashProperties& hash) {
+  return static_cast<std::size_t>(hash.blockBits) / 8;
+}
+
+constexpr std::size_t lineCapacity(std::size_t messageLength) {
+  return 2 * messageLength + kLineSlack + 1;
+}
+
+// reserve makes room for `size` bytes; what the buffer held is lost when it grows. It grows with
+// the messages that are really there, in few steps, to `most` bytes at the end: an upper bound that
+// the messages do not keep costs no memory.
+bool reserve(Buffer& buffer, std::size_t size, std::size_t most) {
+  if (size <= buffer.size()) return true;
+  return buffer.allocate(std::min(most, std::max(size, 2 * buffer.size())));
+}
+
+std::span<std::uint8_t> resultSlot(MessageRun& run, std::size_t index) {
+  const auto length = static_cast<std::size_t>(run.hash.digestLength);
+  return run.results.bytes().subspan(index * length, length);
+}
+
+// echoMessage reads and writes a message of `length` bytes.
+int echoMessage(MessageRun& run, std::size_t length, std::size_t longest) {
+  if (!reserve(run.line, lineCapacity(length), lineCapacity(longest))) {
+    return mallocFailedAt(run.test.lineAllocation);
+  }
+  run.files.line = run.line.text().first(lineCapacity(length));
+  const std::string_view line = nextValue(run.files);
+  if (line.starts_with('[')) return failWith("lack of input message!!");
+  if (!reserve(run.message, length, longest)) return mallocFailedAt(run.test.message.allocation);
+  const auto message = run.message.bytes().first(length);
+  if (hexToBin(line, message) < 0) return failAt(run.test.message.value);
+  writeHex(run.files.response, message);
+  return 0;
+}
+
+void writeResults(MessageRun& run, std::size_t count) {
+  TextWriter& response = run.files.response;
+  writeLine(response, computesMac(run.config) ? run.test.macKey : run.test.hashKey);
+  for (std::size_t index = 0; index < count; ++index) writeHex(response, resultSlot(run, index));
+}
+
+int runMessages(MessageRun& run, const MessageLengths& lengths) {
+  if (echoSection(run.files, run.test.dataKey, run.test.dataSection) < 0) return -1;
+  for (std::size_t index = 0; index < lengths.count; ++index) {
+    const std::size_t length = lengths.at(index);
+    if (echoMessage(run, length, lengths.longest()) < 0 ||
+        computeDigest(run.config, run.message.bytes().first(length), resultSlot(run, index).data(),
+                      run.key, run.test.digest) < 0) {
+      return -1;
+    }
+  }
+  writeResults(run, lengths.count);
+  return 0;
+}
+
+// prepare allocates the results of `count` messages and reads the key.
+int prepare(MessageRun& run, std::size_t count) {
+  if (!run.results.allocate(count * static_cast<std::size_t>(run.hash.digestLength))) {
+    return mallocFailedAt(run.test.resultsAllocation);
+  }
+  return readMacKey(run.config, run.files, run.key, run.test.key);
+}
+
+int runShortMessages(MessageRun& run) {
+  const std::size_t count = blockLength(run.hash) + 1;
+  if (prepare(run, count) < 0) return -1;
+  return runMessages(run, {.count = count, .first = 0, .step = 1});
+}
+
+int runLongMessages(MessageRun& run) {
+  const std::size_t count = blockLength(run.hash);
+  if (prepare(run, count) < 0) return -1;
+  // The longest message has count x bound bytes, and the limit of its line must fit an int.
+  const int most = (INT_MAX - static_cast<int>(kLineSlack)) / (2 * static_cast<int>(count));
+  int bound = 0;
+  if (echoSection(run.files, "[Upperbound of SLMT]", 6131) < 0 ||
+      echoPositive(run.files, bound, "illegal bound!!", most) < 0) {
+    return -1;
+  }
+  const std::size_t step = static_cast<std::size_t>(bound) - 1;
+  return runMessages(run, {.count = count, .first = count + step, .step = step});
+}
+
+// runMessageTest runs one of the two tests between opening and closing its files.
+int runMessageTest(int (*runTest)(MessageRun&), const MessageTest& test, const TestConfig& config,
+                   const char* requestPath, const char* responsePath) {
+  std::array<char, kParameterCapacity> line{};
+  TestFiles files{.line = line};
+  if (openFiles(files, requestPath, responsePath) < 0) return -1;
+  const HashProperties* const hash = findHash(config.hashId);
+  if (hash == nullptr) return closeFiles(files, responsePath, -1);
+  MessageRun run{.test = test, .config = config, .files = files, .hash = *hash};
+  return closeFiles(files, responsePath, runTest(run));
+}
+
+}  // namespace
+
+int procSMT(const TestConfig& config, const char* requestPath, const char* responsePath) {
+  return runMessageTest(runShortMessages, shortMessageTest, config, requestPath, responsePath);
+}
+
+int procSLMT(const TestConfig& config, const char* requestPath, const char* responsePath) {
+  return runMessageTest(runLongMessages, longMessageTest, config, requestPath, responsePath);
+}
+
+}  // namespace runner
