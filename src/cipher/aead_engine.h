@@ -8,17 +8,21 @@
 
 // AES-GCM (SP 800-38D) with a tag of 16 bytes through the engine of the run. Each call makes its
 // own cipher context and releases it. A key length of 32 bytes selects AES-256-GCM, any other
-// AES-128-GCM: GnuTLS gets the key with its length and refuses what it does not take, OpenSSL reads
-// the first 16 bytes. Which IV lengths work is up to the engine, too.
+// AES-128-GCM. GnuTLS gets the key with its length: it refuses other lengths than 16, 24 and 32
+// bytes, and with AES instructions of the processor it uses a 24-byte key whole. OpenSSL's AES-128
+// reads the first 16 bytes of any key. Which IV lengths work is up to the engine, too.
 
 namespace runner {
 
 inline constexpr std::size_t kTagLength = 16;
 
+// What OpenSSL reads of a key, whatever its length, in bytes.
+inline constexpr std::size_t kMinKeyRoom = 16;
+
 // AeadParams are the texts of one AES-GCM case. The caller allocates the buffers, once for all of
 // its cases, and sets the lengths, none of which exceeds its buffer.
 struct AeadParams {
-  Buffer key;     // keyLength bytes, at least 16
+  Buffer key;     // keyLength bytes, in room for at least kMinKeyRoom
   Buffer input;   // plaintext (encryption) or ciphertext (decryption)
   Buffer iv;      // initialisation vector
   Buffer aad;     // additional authenticated data
@@ -33,22 +37,22 @@ struct AeadParams {
 
 // execAeadEncrypt encrypts the input into the output, sets outputLength and writes the tag. Returns
 // the number of bytes of the output, or a negative number after a line on standard output.
-int execAeadEncrypt(const TestConfig& config, AeadParams& params);
+[[nodiscard]] int execAeadEncrypt(const TestConfig& config, AeadParams& params);
 
 // execAeadDecrypt decrypts the input into the output and compares the tag. When it matches, the
 // call sets tagValid to 1 and returns the number of bytes of the output. When it does not, tagValid
-// is 0, the output holds zeros instead of the plaintext, and the result is 0, without a line. Any
-// other failure prints a line and returns a negative number.
-int execAeadDecrypt(const TestConfig& config, AeadParams& params);
+// is 0 and the result is 0, without a line. Any other failure prints a line and returns a negative
+// number. Unless the tag matched, the output holds zeros in place of what was decrypted.
+[[nodiscard]] int execAeadDecrypt(const TestConfig& config, AeadParams& params);
 
 // aead_encrypt_gnutls and aead_decrypt_gnutls compute through GnuTLS; a negative result is its
 // error code.
-int aead_encrypt_gnutls(const TestConfig& config, AeadParams& params);
-int aead_decrypt_gnutls(const TestConfig& config, AeadParams& params);
+[[nodiscard]] int aead_encrypt_gnutls(const TestConfig& config, AeadParams& params);
+[[nodiscard]] int aead_decrypt_gnutls(const TestConfig& config, AeadParams& params);
 
 // aead_encrypt_openssl and aead_decrypt_openssl compute through OpenSSL; a negative result is -1.
-int aead_encrypt_openssl(const TestConfig& config, AeadParams& params);
-int aead_decrypt_openssl(const TestConfig& config, AeadParams& params);
+[[nodiscard]] int aead_encrypt_openssl(const TestConfig& config, AeadParams& params);
+[[nodiscard]] int aead_decrypt_openssl(const TestConfig& config, AeadParams& params);
 
 }  // namespace runner
 

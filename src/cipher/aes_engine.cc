@@ -19,7 +19,7 @@ int computeGnutls(const GnutlsDirection& direction, const TestConfig& config,
     return failWithCode(direction.name, "initialize error!!", result);
   }
   const CipherHandle handle(raw);
-  const auto size = static_cast<std::size_t>(len);
+  const std::size_t size = sizeOf(len);
   if (direction.compute(handle.get(), in, size, out, size) < 0) {
     failIn(direction.name, direction.error);
   }
@@ -49,8 +49,9 @@ int execEncrypt(const TestConfig* config, const std::uint8_t* in, int len, const
     case CryptEngine::HDD:
     case CryptEngine::KERNEL_CRYPT_API:
       return -1;
+    default:
+      return failIn("execEncrypt", "unsupported crypt engine!!");
   }
-  return failIn("execEncrypt", "unsupported crypt engine!!");
 }
 
 int execDecrypt(const TestConfig* config, const std::uint8_t* in, int len, const std::uint8_t* key,
@@ -65,8 +66,9 @@ int execDecrypt(const TestConfig* config, const std::uint8_t* in, int len, const
       return 1;
     case CryptEngine::KERNEL_CRYPT_API:
       return -1;
+    default:
+      return failIn("execDecrypt", "not supported crypt engine!!");
   }
-  return failIn("execDecrypt", "not supported crypt engine!!");
 }
 
 int encrypt_gnutls(const TestConfig* config, const std::uint8_t* in, int len,

@@ -4,9 +4,8 @@
 
 namespace runner {
 
-int openAesFiles(TestFiles& files, const TestConfig& config, const char* requestPath,
-                 const char* responsePath) {
-  if (openFiles(files, requestPath, responsePath) < 0) return -1;
+int openAesFiles(TestFiles& files, const TestConfig& config) {
+  if (openFiles(files) < 0) return -1;
   if (config.keyLength <= static_cast<int>(kMaxAesKeyLength)) return 0;
   return failWith("unexpected key length!!");
 }

@@ -16,8 +16,7 @@ inline constexpr std::size_t kAesLineCapacity = 512;
 
 // openAesFiles is openFiles for an AES test: it also refuses a key that is longer than any AES key,
 // with "unexpected key length!!" and -1, before anything is read or written.
-int openAesFiles(TestFiles& files, const TestConfig& config, const char* requestPath,
-                 const char* responsePath);
+[[nodiscard]] int openAesFiles(TestFiles& files, const TestConfig& config);
 
 // isEncryption tells the direction of the test: every function but ENCRYPTION decrypts.
 constexpr bool isEncryption(const TestConfig& config) {
@@ -35,9 +34,9 @@ struct CipherSites {
 
 // computeCipher calls execEncrypt or execDecrypt, by the direction of the test, with their
 // arguments and returns its result; a negative one after the number of the site has been printed.
-int computeCipher(const TestConfig& config, const std::uint8_t* in, int len,
-                  const std::uint8_t* key, const std::uint8_t* iv, std::uint8_t* out,
-                  CipherSites sites);
+[[nodiscard]] int computeCipher(const TestConfig& config, const std::uint8_t* in, int len,
+                                const std::uint8_t* key, const std::uint8_t* iv, std::uint8_t* out,
+                                CipherSites sites);
 
 }  // namespace runner
 

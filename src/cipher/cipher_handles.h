@@ -7,10 +7,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <type_traits>
 
+#include "text/buffer.h"
 #include "text/diagnostics.h"
+#include "text/owner.h"
 
 // The engines' cipher contexts, owned. For the adapters only.
 
@@ -19,16 +20,8 @@ namespace runner {
 // OpenSSL's result of success.
 inline constexpr int kOpensslOk = 1;
 
-struct CipherHandleDeleter {
-  void operator()(gnutls_cipher_hd_t handle) const noexcept { gnutls_cipher_deinit(handle); }
-};
-using CipherHandle =
-    std::unique_ptr<std::remove_pointer_t<gnutls_cipher_hd_t>, CipherHandleDeleter>;
-
-struct CipherContextDeleter {
-  void operator()(EVP_CIPHER_CTX* context) const noexcept { EVP_CIPHER_CTX_free(context); }
-};
-using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, CipherContextDeleter>;
+using CipherHandle = Owner<std::remove_pointer_t<gnutls_cipher_hd_t>, gnutls_cipher_deinit>;
+using CipherContext = Owner<EVP_CIPHER_CTX, EVP_CIPHER_CTX_free>;
 
 // GnutlsDirection is what differs between encryption and decryption: the name of the back-end, the
 // cipher call, and the message for its failure.
@@ -44,10 +37,10 @@ inline int failWithCode(const char* name, const char* message, int code) {
   return code;
 }
 
-// datum lends `size` bytes to GnuTLS, which takes them through a pointer to non-constant bytes but
-// does not write to them.
+// datum lends `size` bytes (none when it is negative) to GnuTLS, which takes them through a pointer
+// to non-constant bytes but does not write to them.
 inline gnutls_datum_t datum(const std::uint8_t* data, int size) {
-  return {const_cast<unsigned char*>(data), static_cast<unsigned>(size)};
+  return {const_cast<unsigned char*>(data), static_cast<unsigned>(sizeOf(size))};
 }
 
 // byKeyLength returns `aes256` for a key of 32 bytes, `aes128` for any other.

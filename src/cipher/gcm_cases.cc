@@ -23,16 +23,14 @@ bool isAeadEncryption(const TestConfig& config) {
   return config.testFunction == TestFunction::AEAD_ENCRYPTION;
 }
 
-std::size_t textCapacity(const TestConfig& config) {
-  return static_cast<std::size_t>(std::max(config.maxTextLength, 0));
-}
-
 int allocateParams(const TestConfig& config, AeadParams& params) {
-  if (!params.key.allocate(static_cast<std::size_t>(config.keyLength))) return mallocFailedAt(6576);
-  if (!params.input.allocate(textCapacity(config))) return mallocFailedAt(6577);
+  const std::size_t textLength = sizeOf(config.maxTextLength);
+  const std::size_t keyRoom = std::max(sizeOf(config.keyLength), kMinKeyRoom);
+  if (!params.key.allocate(keyRoom)) return mallocFailedAt(6576);
+  if (!params.input.allocate(textLength)) return mallocFailedAt(6577);
   if (!params.iv.allocate(kIvCapacity)) return mallocFailedAt(6578);
   if (!params.aad.allocate(kAadCapacity)) return mallocFailedAt(6579);
-  if (!params.output.allocate(textCapacity(config))) return mallocFailedAt(6580);
+  if (!params.output.allocate(textLength)) return mallocFailedAt(6580);
   if (!params.tag.allocate(kTagLength)) return mallocFailedAt(6581);
   return 0;
 }
@@ -50,7 +48,7 @@ int readSection(TestFiles& files, std::string_view key, std::span<std::uint8_t> 
 }
 
 // readMeasured reads the next line as hexadecimal text of as many bytes as it has digits for, into
-// `value`, and stores their number in `length`.
+// `value`, and stores their number in `length`. A value without room is refused.
 int readMeasured(TestFiles& files, Buffer& value, int& length, int site) {
   const std::string_view text = nextValue(files);
   auto size = hexLineToBin(text, value.bytes());
@@ -73,16 +71,15 @@ int echoMeasuredSection(TestFiles& files, std::string_view key, Buffer& value, i
       readMeasured(files, value, length, sites.value) < 0) {
     return -1;
   }
-  writeValue(files, key, value.bytes().first(static_cast<std::size_t>(length)));
+  writeValue(files, key, value.bytes().first(sizeOf(length)));
   return 0;
 }
 
 int readCase(const TestConfig& config, TestFiles& files, AeadParams& params) {
   const std::string_view textKey = isAeadEncryption(config) ? "[Plaintext]" : "[Ciphertext]";
-  if (readSection(files, "[Key]", params.key.bytes(), {.section = 6587, .value = 6589}) < 0) {
-    return -1;
-  }
-  writeValue(files, "[Key]", params.key.bytes());
+  const auto key = params.key.bytes().first(sizeOf(config.keyLength));
+  if (readSection(files, "[Key]", key, {.section = 6587, .value = 6589}) < 0) return -1;
+  writeValue(files, "[Key]", key);
   if (echoMeasuredSection(files, "[IV]", params.iv, params.ivLength,
                           {.section = 6595, .value = 6599}) < 0 ||
       echoMeasuredSection(files, textKey, params.input, params.inputLength,
@@ -108,8 +105,7 @@ void writeResult(const TestConfig& config, TestFiles& files, const AeadParams& p
   const bool encrypts = isAeadEncryption(config);
   const std::string_view outputKey = encrypts ? "[Ciphertext]" : "[Plaintext]";
   if (encrypts || params.tagValid > 0) {
-    const auto size = static_cast<std::size_t>(params.outputLength);
-    writeValue(files, outputKey, params.output.bytes().first(size));
+    writeValue(files, outputKey, params.output.bytes().first(sizeOf(params.outputLength)));
   } else {
     writeLine(files.response, outputKey);
     writeLine(files.response, "INVALID");
@@ -129,14 +125,12 @@ int runCases(const TestConfig& config, TestFiles& files, AeadParams& params, int
   return result;
 }
 
-int runTest(const TestConfig& config, TestFiles& files) {
+int runAead(const TestConfig& config, TestFiles& files) {
   const std::string_view countKey =
       isAeadEncryption(config) ? "[Number of Plaintexts]" : "[Number of Ciphertexts]";
-  Buffer line;
-  if (!line.allocate(std::max(2 * textCapacity(config) + 1, kMinLineCapacity))) {
-    return mallocFailedAt(6560);
-  }
-  files.line = line.text();
+  // One character more than the longest text needs: a text that is too long is seen to be so.
+  const std::size_t capacity = std::max(2 * sizeOf(config.maxTextLength) + 2, kMinLineCapacity);
+  if (setLineCapacity(files, capacity, 6560) < 0) return -1;
   int count = 0;
   if (echoSection(files, countKey, 6565) < 0 || echoPositive(files, count, nullptr) < 0) return -1;
   AeadParams params;
@@ -147,9 +141,9 @@ int runTest(const TestConfig& config, TestFiles& files) {
 }  // namespace
 
 int procAEAD(const TestConfig& config, const char* requestPath, const char* responsePath) {
-  TestFiles files;
-  if (openFiles(files, requestPath, responsePath) < 0) return -1;
-  return closeFiles(files, responsePath, runTest(config, files));
+  TestFiles files{requestPath, responsePath, kMinLineCapacity};
+  if (openFiles(files) < 0) return -1;
+  return closeFiles(files, runAead(config, files));
 }
 
 }  // namespace runner

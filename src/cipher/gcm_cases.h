@@ -20,12 +20,14 @@ namespace runner {
 //   [Tag]                   the computed tag (decryption: the one that was read)
 // IV, text and AAD have the length of the digits at the start of their line; a text or an AAD may
 // be empty. One that is too long prints "unexpected long data!!" and fails as one that does not
-// convert. Lines are read up to 2 x maxTextLength characters, at least 511. The count's key is
+// convert. Lines are read up to 2 x maxTextLength + 1 characters, at least 511. The count's key is
 // written when it is found, the keys of a case together with their converted values.
 //
 // Returns the result of the last engine call, which is not negative (a wrong tag gives 0), or a
-// negative number, in most cases after a line on standard output.
-int procAEAD(const TestConfig& config, const char* requestPath, const char* responsePath);
+// negative number: in silence for a count below 1, otherwise after "can't open PATH", "can't read
+// PATH", "can't write PATH", or what is wrong and the number of the failed step.
+[[nodiscard]] int procAEAD(const TestConfig& config, const char* requestPath,
+                           const char* responsePath);
 
 }  // namespace runner
 

@@ -15,8 +15,8 @@
 namespace runner {
 namespace {
 
-constexpr Block zeroBlock{};
-constexpr std::array<std::uint8_t, kMaxAesKeyLength> zeroKey{};
+constexpr Block kZeroBlock{};
+constexpr std::array<std::uint8_t, kMaxAesKeyLength> kZeroKey{};
 
 struct KatEntry {
   RecordPtr<KatEntry> next;
@@ -54,7 +54,7 @@ struct KatTest {
   std::string_view lastLine{};  // of the first list, or the one that ended it
 };
 
-std::size_t keySize(const KatTest& test) { return static_cast<std::size_t>(test.config.keyLength); }
+std::size_t keySize(const KatTest& test) { return sizeOf(test.config.keyLength); }
 
 std::span<std::uint8_t> keyOf(const KatTest& test, KatEntry& entry) {
   return std::span(entry.key).first(keySize(test));
@@ -70,13 +70,15 @@ std::optional<std::string_view> nextEntryLine(KatTest& test) {
 
 int compute(const KatTest& test, KatEntry& entry, CipherSites sites) {
   return computeCipher(test.config, entry.input.data(), kBlockLength, entry.key.data(),
-                       zeroBlock.data(), entry.output.data(), sites);
+                       kZeroBlock.data(), entry.output.data(), sites);
 }
 
-void writeKeySection(KatTest& test) {
+void writeKeySection(const KatTest& test) {
   TextWriter& response = test.files.response;
   writeLine(response, test.keys.key.data());
-  for (KatEntry& entry : test.entries) writeHex(response, keyOf(test, entry));
+  for (const KatEntry& entry : test.entries) {
+    writeHex(response, std::span(entry.key).first(keySize(test)));
+  }
 }
 
 void writeInputSection(const KatTest& test) {
@@ -88,7 +90,7 @@ void writeInputSection(const KatTest& test) {
 void writeIvSection(const KatTest& test) {
   if (!isCbc(test.config)) return;
   writeLine(test.files.response, test.keys.iv.data());
-  writeBlockHex(test.files.response, zeroBlock);
+  writeBlockHex(test.files.response, kZeroBlock);
 }
 
 void writeOutputSection(const KatTest& test) {
@@ -111,7 +113,7 @@ int runVarText(KatTest& test) {
     if (result < 0) return result;
   }
   writeLine(test.files.response, test.keys.key.data());
-  writeHex(test.files.response, std::span(zeroKey).first(keySize(test)));
+  writeHex(test.files.response, std::span(kZeroKey).first(keySize(test)));
   writeInputSection(test);
   writeIvSection(test);
   writeOutputSection(test);
@@ -119,13 +121,16 @@ int runVarText(KatTest& test) {
 }
 
 // readFirstList reads the keys (encryption) or the blocks (decryption) up to the end of the list or
-// the first line that does not convert, whose entry stays in the list. Returns -1 when there was no
-// memory for an entry.
-int readFirstList(KatTest& test) {
+// the first line that does not convert, whose entry stays in the list. Returns false when there was
+// no memory for an entry, which ends the list too.
+bool readFirstList(KatTest& test) {
   const bool encrypts = isEncryption(test.config);
   while (const auto line = nextEntryLine(test)) {
     KatEntry* const entry = test.entries.append();
-    if (entry == nullptr) return mallocFailedAt(2208);
+    if (entry == nullptr) {
+      mallocFailedAt(2208);
+      return false;
+    }
     const int result =
         encrypts ? hexToBin(*line, keyOf(test, *entry)) : hexToBlock(*line, entry->input);
     if (result < 0) {
@@ -133,7 +138,7 @@ int readFirstList(KatTest& test) {
       break;
     }
   }
-  return 0;
+  return true;
 }
 
 // readKeys reads one key for each block. Entries left without a key keep the zero key.
@@ -163,56 +168,70 @@ int enterKeySection(KatTest& test) {
   return enterSection(test.files, key, 2225);
 }
 
-void writeZeroPlaintext(const KatTest& test) {
-  writeLine(test.files.response, test.keys.input.data());
-  writeBlockHex(test.files.response, zeroBlock);
-}
-
-int runVarKey(KatTest& test) {
-  const bool encrypts = isEncryption(test.config);
-  const char* const listKey = encrypts ? test.keys.key.data() : test.keys.input.data();
-  if (enterSection(test.files, listKey, 2202) < 0) return -1;
-  if (readFirstList(test) < 0 && encrypts && test.entries.empty()) return -1;
-  if (!encrypts) {
-    if (enterKeySection(test) < 0) return -1;
-    readKeys(test);
-  }
+// computeEntries returns the result of the last engine call, or the negative one that failed.
+int computeEntries(KatTest& test) {
   int result = 0;
   for (KatEntry& entry : test.entries) {
     result = compute(test, entry, {.encryption = 2253, .decryption = 2255});
     if (result < 0) return result;
   }
-  if (encrypts) {
-    writeZeroPlaintext(test);
-  } else {
-    writeInputSection(test);
-  }
+  return result;
+}
+
+// encryptUnderKeys writes the plaintext, which is the zero block, once for all keys.
+int encryptUnderKeys(KatTest& test) {
+  const int result = computeEntries(test);
+  if (result < 0) return result;
+  writeLine(test.files.response, test.keys.input.data());
+  writeBlockHex(test.files.response, kZeroBlock);
   writeIvSection(test);
   writeKeySection(test);
   writeOutputSection(test);
   return result;
 }
 
-// runKnownAnswerTest runs one of the two tests between opening and closing its files.
-int runKnownAnswerTest(int (*run)(KatTest&), const TestConfig& config, const char* requestPath,
-                       const char* responsePath, const char* variant) {
-  std::array<char, kAesLineCapacity> line{};
-  TestFiles files{.line = line};
-  if (openAesFiles(files, config, requestPath, responsePath) < 0) return -1;
-  KatTest test{.config = config, .files = files, .keys = formatKeys(config, variant)};
-  return closeFiles(files, responsePath, run(test));
+// decryptUnderKeys writes the section keys alone when there are no blocks.
+int decryptUnderKeys(KatTest& test) {
+  if (enterKeySection(test) < 0) return -1;
+  readKeys(test);
+  const int result = computeEntries(test);
+  if (result < 0) return result;
+  writeInputSection(test);
+  if (!test.entries.empty()) {
+    writeIvSection(test);
+  } else if (isCbc(test.config)) {
+    writeLine(test.files.response, test.keys.iv.data());
+  }
+  writeKeySection(test);
+  writeOutputSection(test);
+  return result;
+}
+
+int runVarKey(KatTest& test) {
+  const bool encrypts = isEncryption(test.config);
+  const char* const listKey = encrypts ? test.keys.key.data() : test.keys.input.data();
+  if (enterSection(test.files, listKey, 2202) < 0) return -1;
+  const bool hadMemory = readFirstList(test);
+  if (!encrypts) return decryptUnderKeys(test);
+  return hadMemory || !test.entries.empty() ? encryptUnderKeys(test) : -1;
 }
 
 }  // namespace
 
 int procKAT_VarText(const TestConfig& config, const char* requestPath, const char* responsePath,
                     const char* variant) {
-  return runKnownAnswerTest(runVarText, config, requestPath, responsePath, variant);
+  TestFiles files{requestPath, responsePath, kAesLineCapacity};
+  if (openAesFiles(files, config) < 0) return -1;
+  KatTest test{.config = config, .files = files, .keys = formatKeys(config, variant)};
+  return closeFiles(files, runVarText(test));
 }
 
 int procKAT_VarKey(const TestConfig& config, const char* requestPath, const char* responsePath,
                    const char* variant) {
-  return runKnownAnswerTest(runVarKey, config, requestPath, responsePath, variant);
+  TestFiles files{requestPath, responsePath, kAesLineCapacity};
+  if (openAesFiles(files, config) < 0) return -1;
+  KatTest test{.config = config, .files = files, .keys = formatKeys(config, variant)};
+  return closeFiles(files, runVarKey(test));
 }
 
 }  // namespace runner

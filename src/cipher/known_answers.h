@@ -19,11 +19,12 @@ namespace runner {
 // with the plaintext and ciphertext keys exchanged for decryption. A line that does not convert, or
 // an engine that fails, ends the test before anything is written.
 //
-// Both return the result of the last engine call (0 for an empty list). They return a negative
-// number, with nothing written, after "can't open PATH", "unexpected key length!!" for a key of
-// more than 32 bytes, or what is wrong followed by "err happens!! (N)" or "malloc err!! (N)".
-int procKAT_VarText(const TestConfig& config, const char* requestPath, const char* responsePath,
-                    const char* variant);
+// Returns the result of the last engine call (0 for an empty list), or a negative number: with
+// nothing written after "can't open PATH", "unexpected key length!!" for a key of more than 32
+// bytes, or what is wrong followed by "err happens!! (N)" or "malloc err!! (N)", or after "can't
+// read PATH" or "can't write PATH" at the end.
+[[nodiscard]] int procKAT_VarText(const TestConfig& config, const char* requestPath,
+                                  const char* responsePath, const char* variant);
 
 // procKAT_VarKey reads
 //   [Ciphertext for KAT-%s]  blocks of 32 digits (decryption only)
@@ -33,11 +34,15 @@ int procKAT_VarText(const TestConfig& config, const char* requestPath, const cha
 //   [IV for KAT-%s]          the zero IV (CBC only)
 //   [Key for KAT-%s]         the keys
 //   [Ciphertext for KAT-%s]  the results (decryption: [Plaintext for KAT-%s])
-// A line that does not convert ends its list with that entry; the entries read so far are computed
-// and written. So are blocks left without a key, under the zero key, after "unexpected EOF!!" or
-// "unexpected end of key data!!".
-int procKAT_VarKey(const TestConfig& config, const char* requestPath, const char* responsePath,
-                   const char* variant);
+// A line that does not convert, or for which there is no memory, ends its list, the first with that
+// entry; the entries read so far are computed and written (an encryption for which the memory does
+// not reach for one entry fails with nothing written). So are blocks left without a key, under the
+// zero key, after "unexpected EOF!!" or "unexpected end of key data!!". A decryption without blocks
+// writes the section keys alone.
+//
+// Returns what procKAT_VarText returns.
+[[nodiscard]] int procKAT_VarKey(const TestConfig& config, const char* requestPath,
+                                 const char* responsePath, const char* variant);
 
 }  // namespace runner
 

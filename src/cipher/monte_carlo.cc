@@ -22,7 +22,6 @@ struct MonteCarlo {
   Buffer text;       // the block handed to the engine
   Buffer output;     // its result, with room for padding
   Block previous{};  // the result of the step before
-  std::array<std::uint8_t, kMaxAesKeyLength> keyMaterial{};
 };
 
 std::span<std::uint8_t, kBlockLength> blockOf(Buffer& buffer) {
@@ -31,11 +30,16 @@ std::span<std::uint8_t, kBlockLength> blockOf(Buffer& buffer) {
 
 void copyBlock(std::span<const std::uint8_t, kBlockLength> from,
                std::span<std::uint8_t, kBlockLength> to) {
-  std::copy_n(from.data(), kBlockLength, to.data());
+  std::ranges::copy(from, to.begin());
+}
+
+void xorBlock(std::span<const std::uint8_t, kBlockLength> from,
+              std::span<std::uint8_t, kBlockLength> to) {
+  for (std::size_t i = 0; i < kBlockLength; ++i) to[i] ^= from[i];
 }
 
 int readParameters(const TestConfig& config, TestFiles& files, MonteCarlo& state) {
-  const auto key = std::span(state.key).first(static_cast<std::size_t>(config.keyLength));
+  const auto key = std::span(state.key).first(sizeOf(config.keyLength));
   const char* const textKey =
       isEncryption(config) ? "[Initial Plaintext for MCT]" : "[Initial Ciphertext for MCT]";
   if (echoSection(files, "[Number of Inner-loop for MCT]", 2449) < 0 ||
@@ -64,29 +68,31 @@ void chain(const TestConfig& config, MonteCarlo& state, int step) {
     copyBlock(text, input);
     copyBlock(step == 0 ? state.iv : state.previous, text);
     copyBlock(input, state.iv);
-    copyBlock(output, state.previous);
   }
 }
 
-// runInnerLoop runs the engine calls of one outer iteration and collects the key material: the last
-// output, and before it, for a 32-byte key, the one before the last.
+// runInnerLoop runs the engine calls of one outer iteration.
 int runInnerLoop(const TestConfig& config, MonteCarlo& state) {
   const auto output = blockOf(state.output);
-  std::span<std::uint8_t> material = state.keyMaterial;
   int result = 0;
   for (int step = 0; step < state.innerCount; ++step) {
+    copyBlock(output, state.previous);
     result =
         computeCipher(config, state.text.data(), kBlockLength, state.key.data(), state.iv.data(),
                       output.data(), {.encryption = 2504, .decryption = 2514});
     if (result < 0) return result;
     chain(config, state, step);
-    if (step == state.innerCount - 2 && config.keyLength == static_cast<int>(kMaxAesKeyLength)) {
-      copyBlock(output, material.first<kBlockLength>());
-      material = material.subspan(kBlockLength);
-    }
   }
-  copyBlock(output, material.first<kBlockLength>());
   return result;
+}
+
+// updateKey derives the key of the next iteration: the last two outputs change a 32-byte key, if
+// the iteration had two steps, and the last one the first 16 bytes of any other.
+void updateKey(const TestConfig& config, MonteCarlo& state) {
+  const std::span key(state.key);
+  const bool takesTwo = sizeOf(config.keyLength) == kMaxAesKeyLength && state.innerCount > 1;
+  if (takesTwo) xorBlock(state.previous, key.first<kBlockLength>());
+  xorBlock(blockOf(state.output), takesTwo ? key.last<kBlockLength>() : key.first<kBlockLength>());
 }
 
 int runOuterLoop(const TestConfig& config, TestFiles& files, MonteCarlo& state) {
@@ -95,13 +101,13 @@ int runOuterLoop(const TestConfig& config, TestFiles& files, MonteCarlo& state) 
     result = runInnerLoop(config, state);
     if (result < 0) return result;
     writeBlockHex(files.response, blockOf(state.output));
-    for (std::size_t i = 0; i < state.key.size(); ++i) state.key[i] ^= state.keyMaterial[i];
+    updateKey(config, state);
     if (!isEncryption(config)) copyBlock(blockOf(state.output), state.iv);
   }
   return result;
 }
 
-int runTest(const TestConfig& config, TestFiles& files) {
+int runMonteCarlo(const TestConfig& config, TestFiles& files) {
   MonteCarlo state;
   if (!state.text.allocate(kBlockLength)) return mallocFailedAt(2444);
   if (!state.output.allocate(2 * kBlockLength)) return mallocFailedAt(2445);
@@ -113,10 +119,9 @@ int runTest(const TestConfig& config, TestFiles& files) {
 }  // namespace
 
 int procMCT(const TestConfig& config, const char* requestPath, const char* responsePath) {
-  std::array<char, kAesLineCapacity> line{};
-  TestFiles files{.line = line};
-  if (openAesFiles(files, config, requestPath, responsePath) < 0) return -1;
-  return closeFiles(files, responsePath, runTest(config, files));
+  TestFiles files{requestPath, responsePath, kAesLineCapacity};
+  if (openAesFiles(files, config) < 0) return -1;
+  return closeFiles(files, runMonteCarlo(config, files));
 }
 
 }  // namespace runner

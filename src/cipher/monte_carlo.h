@@ -19,9 +19,11 @@ namespace runner {
 // Bytes of the next key for which an iteration supplies no output (a 32-byte key with an inner loop
 // of 1, a 24-byte key) stay as they are.
 //
-// Returns the result of the last engine call, or a negative number, in most cases after a line on
-// standard output.
-int procMCT(const TestConfig& config, const char* requestPath, const char* responsePath);
+// Returns the result of the last engine call, or a negative number: in silence for a count below 1,
+// otherwise after "can't open PATH", "can't read PATH", "can't write PATH", "unexpected key
+// length!!" for a key of more than 32 bytes, or what is wrong and the number of the failed step.
+[[nodiscard]] int procMCT(const TestConfig& config, const char* requestPath,
+                          const char* responsePath);
 
 }  // namespace runner
 

@@ -16,17 +16,18 @@ namespace {
 // The largest number of blocks whose buffer size fits 32 bits.
 constexpr int kMaxBlocks = 33554431;
 
-// computeMessage reads the message of `length` bytes, computes and writes the result. One buffer
-// holds the line, the message and the result.
+// computeMessage reads the message of `length` bytes, computes and writes the result.
 int computeMessage(const TestConfig& config, TestFiles& files, int length, const std::uint8_t* key,
                    const std::uint8_t* iv) {
-  const auto size = static_cast<std::size_t>(length);
-  const std::size_t digits = 2 * size;
+  const std::size_t size = sizeOf(length);
+  const std::size_t lineCapacity = 2 * size + 1;
   Buffer buffer;
-  if (!buffer.allocate(digits + size + size + kBlockLength)) return mallocFailedAt(2380);
-  const auto message = buffer.bytes().subspan(digits, size);
-  const auto output = buffer.bytes().subspan(digits + size);
-  files.line = buffer.text().first(digits + 1);
+  if (!files.request.reserve(lineCapacity) || !buffer.allocate(size + size + kBlockLength)) {
+    return mallocFailedAt(2380);
+  }
+  files.lineCapacity = lineCapacity;
+  const auto message = buffer.bytes().first(size);
+  const auto output = buffer.bytes().subspan(size);
   if (echoHex(files, message, 2385) < 0) return -1;
   const int result = computeCipher(config, message.data(), length, key, iv, output.data(),
                                    {.encryption = 2390, .decryption = 2392});
@@ -36,10 +37,10 @@ int computeMessage(const TestConfig& config, TestFiles& files, int length, const
   return result;
 }
 
-int runTest(const TestConfig& config, TestFiles& files) {
+int runMessage(const TestConfig& config, TestFiles& files) {
   int blocks = 0;
   std::array<std::uint8_t, kMaxAesKeyLength> keyBytes{};
-  const auto key = std::span(keyBytes).first(static_cast<std::size_t>(config.keyLength));
+  const auto key = std::span(keyBytes).first(sizeOf(config.keyLength));
   Block iv{};
   const char* const inputKey =
       isEncryption(config) ? "[Plaintext for MMT]" : "[Ciphertext for MMT]";
@@ -51,17 +52,16 @@ int runTest(const TestConfig& config, TestFiles& files) {
     return -1;
   }
   if (echoSection(files, inputKey, 2378) < 0) return -1;
-  return computeMessage(config, files, blocks * static_cast<int>(kBlockLength), key.data(),
+  return computeMessage(config, files, blocks * static_cast<int>(kBlockLength), keyBytes.data(),
                         iv.data());
 }
 
 }  // namespace
 
 int procMMT(const TestConfig& config, const char* requestPath, const char* responsePath) {
-  std::array<char, kAesLineCapacity> line{};
-  TestFiles files{.line = line};
-  if (openAesFiles(files, config, requestPath, responsePath) < 0) return -1;
-  return closeFiles(files, responsePath, runTest(config, files));
+  TestFiles files{requestPath, responsePath, kAesLineCapacity};
+  if (openAesFiles(files, config) < 0) return -1;
+  return closeFiles(files, runMessage(config, files));
 }
 
 }  // namespace runner

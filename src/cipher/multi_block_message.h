@@ -15,9 +15,11 @@ namespace runner {
 // Each key is written as soon as it is found, each value after it has been converted.
 //
 // Returns the result of the engine call, or a negative number after a line on standard output:
-// "illegal blknum!!" for another n, "unexpected key length!!" for a key of more than 32 bytes, the
-// number of the failed step for all else.
-int procMMT(const TestConfig& config, const char* requestPath, const char* responsePath);
+// "can't open PATH", "can't read PATH", "can't write PATH", "illegal blknum!!" for another n,
+// "unexpected key length!!" for a key of more than 32 bytes, or what is wrong and the number of the
+// failed step.
+[[nodiscard]] int procMMT(const TestConfig& config, const char* requestPath,
+                          const char* responsePath);
 
 }  // namespace runner
 

@@ -33,11 +33,13 @@ bool isSameFile(const char* path, const char* otherPath) {
          file.st_ino == other.st_ino;
 }
 
-void startResponse(const char* responsePath) {
+// startResponse writes the three lines that begin a response. Returns 0, also when the response
+// cannot be created, and -1 when they could not be written; either is told.
+int startResponse(const char* responsePath) {
   TextWriter response;
   if (!response.create(responsePath)) {
     failOpening(responsePath);
-    return;
+    return 0;
   }
   const std::time_t now = std::time(nullptr);
   std::array<char, 32> date{};
@@ -45,7 +47,7 @@ void startResponse(const char* responsePath) {
   writeText(response, "# Date: ");
   writeLine(response, date.data());
   writeText(response, "# File: Response file\n#\n");
-  closeWritten(response, responsePath);
+  return closeWritten(response, responsePath);
 }
 
 void reportFinished(const char* name) { std::printf("%s finish normally\n", name); }
@@ -75,28 +77,24 @@ void runHashTests(const TestConfig& config, const char* requestPath, const char*
   reportTest("procPGMT", procPGMT(config, requestPath, responsePath));
 }
 
-using TestProcedure = int (*)(const TestConfig&, const char*, const char*);
-
-// chooseVerification returns the test for the algorithm and the form of the request; null when
-// there is none.
-TestProcedure chooseVerification(const TestConfig& config) {
+void runVerification(const TestConfig& config, const char* requestPath, const char* responsePath) {
   const bool isValueList = (config.flags & FLAG_VALUE_LIST) != 0;
   switch (config.mode) {
     case ModeId::DSA:
-      return isValueList ? procVerifyDsaRecords : procVerifyDsa;
+      reportTest("procVerify", isValueList ? procVerifyDsaRecords(config, requestPath, responsePath)
+                                           : procVerifyDsa(config, requestPath, responsePath));
+      break;
     case ModeId::ECDSA:
-      return isValueList ? procVerifyEcdsaRecords : procVerifyEcdsa;
+      reportTest("procVerify", isValueList
+                                   ? procVerifyEcdsaRecords(config, requestPath, responsePath)
+                                   : procVerifyEcdsa(config, requestPath, responsePath));
+      break;
     case ModeId::RSASSA:
-      return procVerifyRsa;
-    default:
-      return nullptr;
+      reportTest("procVerify", procVerifyRsa(config, requestPath, responsePath));
+      break;
+    default:  // no other algorithm has signatures
+      break;
   }
-}
-
-void runVerification(const TestConfig& config, const char* requestPath, const char* responsePath) {
-  const TestProcedure procVerify = chooseVerification(config);
-  if (procVerify == nullptr) return;
-  reportTest("procVerify", procVerify(config, requestPath, responsePath));
 }
 
 }  // namespace
@@ -104,7 +102,7 @@ void runVerification(const TestConfig& config, const char* requestPath, const ch
 int runRequest(const char* requestPath, const char* responsePath, CryptEngine engine) {
   if (isSameFile(requestPath, responsePath)) return failOpening(responsePath);
   TestConfig config;
-  startResponse(responsePath);
+  if (startResponse(responsePath) < 0) return -1;
   if (parseRequestHeader(config, requestPath, responsePath) < 0) return -1;
   config.engine = engine;
   runTests(config, requestPath, responsePath);

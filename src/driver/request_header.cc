@@ -17,38 +17,44 @@ namespace {
 constexpr std::size_t kLineCapacity = 128;
 constexpr std::size_t kAlgorithmNameCapacity = 32;
 
-// The header items that count for completeness. A mode of operation stands in for an accepted
-// function as well.
-constexpr unsigned kSeenFunction = 0x002;
-constexpr unsigned kSeenAlgorithm = 0x004;
-constexpr unsigned kSeenModeOrFormat = 0x008;
-constexpr unsigned kSeenKeyLength = 0x010;
-constexpr unsigned kSeenMaxTextLength = 0x080;
-constexpr unsigned kSeenHash = 0x100;
+// The items of a header that count for completeness.
+struct CountedItems {
+  bool function = false;   // an accepted function, or a mode of operation
+  bool algorithm = false;  // the name of a function, accepted or not
+  bool modeOrFormat = false;
+  bool keyLength = false;
+  bool maxTextLength = false;
+  bool hash = false;
 
-// The items that a request must have, and no others, by TestFunction.
-constexpr unsigned kFunctionItems = kSeenFunction | kSeenAlgorithm;
-constexpr unsigned kCipherItems = kFunctionItems | kSeenModeOrFormat | kSeenKeyLength;
-constexpr unsigned kSignatureItems = kFunctionItems | kSeenHash;
-constexpr unsigned kAeadItems = kFunctionItems | kSeenKeyLength | kSeenMaxTextLength;
-constexpr std::array<unsigned, 10> requiredItems{
-    kCipherItems,                                 // ENCRYPTION
-    kCipherItems,                                 // DECRYPTION
-    kSignatureItems,                              // KEY_GENERATION
-    kFunctionItems,                               // PUBLIC_KEY_VALIDATION
-    kSignatureItems,                              // SIGN
-    kSignatureItems,                              // VERIFICATION
-    kFunctionItems | kSeenModeOrFormat,           // HASH
-    kFunctionItems | kSeenKeyLength | kSeenHash,  // MAC
-    kAeadItems,                                   // AEAD_ENCRYPTION
-    kAeadItems,                                   // AEAD_DECRYPTION
+  bool operator==(const CountedItems&) const = default;
 };
+
+// What a request must have, no less and no more, by TestFunction. No bracket header asks for DRBG,
+// the last function.
+constexpr CountedItems kCipherItems{
+    .function = true, .algorithm = true, .modeOrFormat = true, .keyLength = true};
+constexpr CountedItems kSignatureItems{.function = true, .algorithm = true, .hash = true};
+constexpr CountedItems kAeadItems{
+    .function = true, .algorithm = true, .keyLength = true, .maxTextLength = true};
+constexpr std::array<CountedItems, 10> kRequiredItems{{
+    kCipherItems,                                                 // ENCRYPTION
+    kCipherItems,                                                 // DECRYPTION
+    kSignatureItems,                                              // KEY_GENERATION
+    {.function = true, .algorithm = true},                        // PUBLIC_KEY_VALIDATION
+    kSignatureItems,                                              // SIGN
+    kSignatureItems,                                              // VERIFICATION
+    {.function = true, .algorithm = true, .modeOrFormat = true},  // HASH
+    {.function = true, .algorithm = true, .keyLength = true, .hash = true},  // MAC
+    kAeadItems,                                                              // AEAD_ENCRYPTION
+    kAeadItems,                                                              // AEAD_DECRYPTION
+}};
+static_assert(kRequiredItems.size() == static_cast<std::size_t>(TestFunction::DRBG));
 
 struct FunctionName {
-  const char* name;
+  std::string_view name;
   TestFunction function;
 };
-constexpr std::array<FunctionName, 8> functionNames{{
+constexpr std::array<FunctionName, 8> kFunctionNames{{
     {"Encryption", TestFunction::ENCRYPTION},
     {"Decryption", TestFunction::DECRYPTION},
     {"Key Generation", TestFunction::KEY_GENERATION},
@@ -59,11 +65,21 @@ constexpr std::array<FunctionName, 8> functionNames{{
     {"MAC", TestFunction::MAC},
 }};
 
+struct SignatureAlgorithm {
+  std::string_view name;
+  ModeId mode;
+};
+constexpr std::array<SignatureAlgorithm, 3> kSignatureAlgorithms{{
+    {"DSA FIPS", ModeId::DSA},
+    {"ECDSA", ModeId::ECDSA},
+    {"RSASSA", ModeId::RSASSA},
+}};
+
 struct KeyLengthName {
-  const char* bits;
+  std::string_view bits;
   int bytes;
 };
-constexpr std::array<KeyLengthName, 6> keyLengths{{
+constexpr std::array<KeyLengthName, 6> kKeyLengths{{
     {"128", 16},
     {"256", 32},
     {"160", 20},
@@ -72,10 +88,48 @@ constexpr std::array<KeyLengthName, 6> keyLengths{{
     {"512", 64},
 }};
 
-constexpr std::array passThroughKeys{
-    "[Block Cipher]",         "[Min BitLength of IV]",        "[Max BitLength of IV]",
-    "[IV Generation]",        "[Min BitLength of Plaintext]", "[Min BitLength of Ciphertext]",
-    "[Min BitLength of AAD]", "[Max BitLength of AAD]",       "[Bitlength of Tag]",
+// What a line of the header begins.
+enum class Item {
+  DRBG_REQUEST,
+  SIGNATURE_REQUEST,
+  ALGORITHM_NAME,
+  FUNCTION_NAME,
+  MAC_KEY,
+  MODE,
+  DATA_FORMAT,
+  HASH,
+  CHARACTERISTIC,
+  KEY_LENGTH,
+  MAX_TEXT_LENGTH,
+  ECHOED,  // read by no test, or by the tests themselves
+};
+
+struct HeaderKey {
+  std::string_view text;
+  Item item;
+};
+constexpr HeaderKey kHeaderKeys[] = {
+    {kDrbgRequestKey, Item::DRBG_REQUEST},
+    {kSignatureRequestKey, Item::SIGNATURE_REQUEST},
+    {"[Algorithm Name]", Item::ALGORITHM_NAME},
+    {"[Function Name]", Item::FUNCTION_NAME},
+    {"[Key]", Item::MAC_KEY},
+    {"[Modes of Operation]", Item::MODE},
+    {"[Data Format]", Item::DATA_FORMAT},
+    {"[Hash]", Item::HASH},
+    {"[Characteristic]", Item::CHARACTERISTIC},
+    {"[Bitlength of Key]", Item::KEY_LENGTH},
+    {"[Max BitLength of Plaintext]", Item::MAX_TEXT_LENGTH},
+    {"[Max BitLength of Ciphertext]", Item::MAX_TEXT_LENGTH},
+    {"[Block Cipher]", Item::ECHOED},
+    {"[Min BitLength of IV]", Item::ECHOED},
+    {"[Max BitLength of IV]", Item::ECHOED},
+    {"[IV Generation]", Item::ECHOED},
+    {"[Min BitLength of Plaintext]", Item::ECHOED},
+    {"[Min BitLength of Ciphertext]", Item::ECHOED},
+    {"[Min BitLength of AAD]", Item::ECHOED},
+    {"[Max BitLength of AAD]", Item::ECHOED},
+    {"[Bitlength of Tag]", Item::ECHOED},
 };
 
 // What a header line means for the scan.
@@ -88,10 +142,10 @@ enum class Step {
 
 struct HeaderScan {
   TestConfig& config;
-  TestFiles files{};
-  std::array<char, kLineCapacity> line{};
-  std::array<char, kAlgorithmNameCapacity> algorithmName{};
-  unsigned seenMask = 0;
+  TestFiles files;
+  std::array<char, kAlgorithmNameCapacity> nameText{};
+  std::string_view algorithmName{};  // in nameText
+  CountedItems seen{};
   ValueListForm form = ValueListForm::DRBG;
 };
 
@@ -101,7 +155,7 @@ Step stopWith(const char* message) {
 }
 
 // echoValue writes `key` and the value line as read, which it returns.
-std::string_view echoValue(HeaderScan& scan, const char* key) {
+std::string_view echoValue(HeaderScan& scan, std::string_view key) {
   writeLine(scan.files.response, key);
   const std::string_view value = nextValue(scan.files);
   writeText(scan.files.response, value);
@@ -118,22 +172,18 @@ bool acceptAlgorithm(TestConfig& config, std::string_view name) {
     case TestFunction::KEY_GENERATION:
     case TestFunction::SIGN:
     case TestFunction::VERIFICATION:
-      if (name.starts_with("DSA FIPS")) {
-        config.mode = ModeId::DSA;
-      } else if (name.starts_with("ECDSA")) {
-        config.mode = ModeId::ECDSA;
-      } else if (name.starts_with("RSASSA")) {
-        config.mode = ModeId::RSASSA;
-      } else {
-        return false;
+      for (const SignatureAlgorithm& row : kSignatureAlgorithms) {
+        if (!name.starts_with(row.name)) continue;
+        config.mode = row.mode;
+        return true;
       }
-      return true;
+      return false;
     case TestFunction::PUBLIC_KEY_VALIDATION:
       if (!name.starts_with("ECDSA")) return false;
       config.mode = ModeId::ECDSA;
       return true;
     case TestFunction::HASH:
-      for (const HashProperties& hash : hashTable) {
+      for (const HashProperties& hash : kHashTable) {
         if (!name.starts_with(hash.algorithmName)) continue;
         config.hashId = hash.id;
         config.mode = static_cast<ModeId>(hash.id);
@@ -156,7 +206,7 @@ bool acceptAlgorithm(TestConfig& config, std::string_view name) {
 // setFunction sets the function that `value` names; "Encryption" and "Decryption" are those of GCM
 // when the algorithm is. Returns false for an unknown function.
 bool setFunction(TestConfig& config, std::string_view value, std::string_view algorithmName) {
-  for (const FunctionName& row : functionNames) {
+  for (const FunctionName& row : kFunctionNames) {
     if (!value.starts_with(row.name)) continue;
     config.testFunction = row.function;
     if (algorithmName.starts_with("GCM/GMAC")) {
@@ -171,31 +221,34 @@ bool setFunction(TestConfig& config, std::string_view value, std::string_view al
   return false;
 }
 
-Step echoOnly(HeaderScan& scan, const char* key) {
+Step echoOnly(HeaderScan& scan, std::string_view key) {
   echoValue(scan, key);
   return Step::NEXT;
 }
 
-Step readAlgorithmName(HeaderScan& scan) {
-  writeLine(scan.files.response, "[Algorithm Name]");
-  const auto name = scan.files.request.readLine(scan.algorithmName);
-  writeText(scan.files.response, name.value_or(""));
+Step readAlgorithmName(HeaderScan& scan, std::string_view key) {
+  writeLine(scan.files.response, key);
+  const auto name = scan.files.request.readLine(kAlgorithmNameCapacity).value_or("");
+  scan.algorithmName = {scan.nameText.data(), name.copy(scan.nameText.data(), name.size())};
+  writeText(scan.files.response, name);
   return Step::NEXT;
 }
 
-Step readFunction(HeaderScan& scan) {
-  const std::string_view name = scan.algorithmName.data();
-  if (!setFunction(scan.config, echoValue(scan, "[Function Name]"), name)) {
+Step readFunction(HeaderScan& scan, std::string_view key) {
+  if (!setFunction(scan.config, echoValue(scan, key), scan.algorithmName)) {
     return stopWith("unexpected function name!!");
   }
-  scan.seenMask |= kSeenAlgorithm;
-  if (!acceptAlgorithm(scan.config, name)) return stopWith("unexpected algorithm name!!");
-  scan.seenMask |= kSeenFunction;
+  scan.seen.algorithm = true;
+  if (!acceptAlgorithm(scan.config, scan.algorithmName)) {
+    return stopWith("unexpected algorithm name!!");
+  }
+  scan.seen.function = true;
   return Step::NEXT;
 }
 
-Step readMode(HeaderScan& scan) {
-  const std::string_view value = echoValue(scan, "[Modes of Operation]");
+// A mode of operation counts as the function as well.
+Step readMode(HeaderScan& scan, std::string_view key) {
+  const std::string_view value = echoValue(scan, key);
   if (value.starts_with("CBC")) {
     scan.config.mode = ModeId::CBC;
   } else if (value.starts_with("ECB")) {
@@ -203,31 +256,30 @@ Step readMode(HeaderScan& scan) {
   } else {
     return stopWith("unexpected operation mode name!!");
   }
-  scan.seenMask |= kSeenFunction | kSeenModeOrFormat;
+  scan.seen.function = true;
+  scan.seen.modeOrFormat = true;
   return Step::NEXT;
 }
 
-Step readDataFormat(HeaderScan& scan) {
-  if (!echoValue(scan, "[Data Format]").starts_with("M_Hash_Byte")) {
-    return stopWith("unknown data format!!");
-  }
-  scan.seenMask |= kSeenModeOrFormat;
+Step readDataFormat(HeaderScan& scan, std::string_view key) {
+  if (!echoValue(scan, key).starts_with("M_Hash_Byte")) return stopWith("unknown data format!!");
+  scan.seen.modeOrFormat = true;
   return Step::NEXT;
 }
 
 // Only a MAC request shows the section here; the signature tests write the hash themselves.
-Step readHash(HeaderScan& scan) {
+Step readHash(HeaderScan& scan, std::string_view key) {
   const bool echoed = scan.config.testFunction == TestFunction::MAC;
-  const std::string_view value = echoed ? echoValue(scan, "[Hash]") : nextValue(scan.files);
-  for (const HashProperties& hash : hashTable) {
+  const std::string_view value = echoed ? echoValue(scan, key) : nextValue(scan.files);
+  for (const HashProperties& hash : kHashTable) {
     if (value.starts_with(hash.name)) scan.config.hashId = hash.id;
   }
-  scan.seenMask |= kSeenHash;
+  scan.seen.hash = true;
   return Step::NEXT;
 }
 
-Step readCharacteristic(HeaderScan& scan) {
-  writeLine(scan.files.response, "[Characteristic]");
+Step readCharacteristic(HeaderScan& scan, std::string_view key) {
+  writeLine(scan.files.response, key);
   const std::string_view value = nextValue(scan.files);
   if (!value.starts_with('p')) {
     std::printf("unsupported characteristic(%.*s)!!\n", static_cast<int>(value.size()),
@@ -238,12 +290,12 @@ Step readCharacteristic(HeaderScan& scan) {
   return Step::NEXT;
 }
 
-Step readKeyLength(HeaderScan& scan) {
-  const std::string_view value = echoValue(scan, "[Bitlength of Key]");
-  for (const KeyLengthName& row : keyLengths) {
+Step readKeyLength(HeaderScan& scan, std::string_view key) {
+  const std::string_view value = echoValue(scan, key);
+  for (const KeyLengthName& row : kKeyLengths) {
     if (!value.starts_with(row.bits)) continue;
     scan.config.keyLength = row.bytes;
-    scan.seenMask |= kSeenKeyLength;
+    scan.seen.keyLength = true;
     return Step::NEXT;
   }
   return stopWith("unexpected key length!!");
@@ -251,10 +303,9 @@ Step readKeyLength(HeaderScan& scan) {
 
 Step readMaxTextLength(HeaderScan& scan, std::string_view keyLine) {
   writeText(scan.files.response, keyLine);
-  int bits = 0;
-  echoDecimal(scan.files, bits);
+  const int bits = echoDecimal(scan.files);
   scan.config.maxTextLength = static_cast<int>((std::int64_t{bits} + 7) / 8);
-  scan.seenMask |= kSeenMaxTextLength;
+  scan.seen.maxTextLength = true;
   return Step::NEXT;
 }
 
@@ -264,28 +315,45 @@ Step enterValueList(HeaderScan& scan, ValueListForm form) {
   return Step::VALUE_LIST;
 }
 
-Step readSection(HeaderScan& scan, std::string_view line) {
-  if (line.starts_with(kDrbgRequestKey)) return enterValueList(scan, ValueListForm::DRBG);
-  if (line.starts_with(kSignatureRequestKey)) {
-    const bool hasCurve = nextValue(scan.files).starts_with("[Curve = ");
-    return enterValueList(scan, hasCurve ? ValueListForm::ECDSA : ValueListForm::FFC);
+Step enterSignatureList(HeaderScan& scan) {
+  const bool hasCurve = nextValue(scan.files).starts_with("[Curve = ");
+  return enterValueList(scan, hasCurve ? ValueListForm::ECDSA : ValueListForm::FFC);
+}
+
+Step readSection(HeaderScan& scan, const HeaderKey& key, std::string_view line) {
+  switch (key.item) {
+    case Item::DRBG_REQUEST:
+      return enterValueList(scan, ValueListForm::DRBG);
+    case Item::SIGNATURE_REQUEST:
+      return enterSignatureList(scan);
+    case Item::ALGORITHM_NAME:
+      return readAlgorithmName(scan, key.text);
+    case Item::FUNCTION_NAME:
+      return readFunction(scan, key.text);
+    case Item::MAC_KEY:
+      return scan.config.testFunction == TestFunction::MAC ? echoOnly(scan, key.text) : Step::NEXT;
+    case Item::MODE:
+      return readMode(scan, key.text);
+    case Item::DATA_FORMAT:
+      return readDataFormat(scan, key.text);
+    case Item::HASH:
+      return readHash(scan, key.text);
+    case Item::CHARACTERISTIC:
+      return readCharacteristic(scan, key.text);
+    case Item::KEY_LENGTH:
+      return readKeyLength(scan, key.text);
+    case Item::MAX_TEXT_LENGTH:
+      return readMaxTextLength(scan, line);
+    case Item::ECHOED:
+      return echoOnly(scan, key.text);
   }
-  if (line.starts_with("[Algorithm Name]")) return readAlgorithmName(scan);
-  if (line.starts_with("[Function Name]")) return readFunction(scan);
-  if (line.starts_with("[Key]") && scan.config.testFunction == TestFunction::MAC) {
-    return echoOnly(scan, "[Key]");
-  }
-  if (line.starts_with("[Modes of Operation]")) return readMode(scan);
-  if (line.starts_with("[Data Format]")) return readDataFormat(scan);
-  if (line.starts_with("[Hash]")) return readHash(scan);
-  if (line.starts_with("[Characteristic]")) return readCharacteristic(scan);
-  if (line.starts_with("[Bitlength of Key]")) return readKeyLength(scan);
-  if (line.starts_with("[Max BitLength of Plaintext]") ||
-      line.starts_with("[Max BitLength of Ciphertext]")) {
-    return readMaxTextLength(scan, line);
-  }
-  for (const char* const key : passThroughKeys) {
-    if (line.starts_with(key)) return echoOnly(scan, key);
+  return Step::NEXT;
+}
+
+// readLine reads the section that begins with `line`; any other line is skipped.
+Step readLine(HeaderScan& scan, std::string_view line) {
+  for (const HeaderKey& key : kHeaderKeys) {
+    if (line.starts_with(key.text)) return readSection(scan, key, line);
   }
   return Step::NEXT;
 }
@@ -296,25 +364,23 @@ Step scanSections(HeaderScan& scan) {
     const auto line = nextLine(scan.files);
     if (!line) break;
     // All keys are in brackets, and most lines of a large request are not.
-    if (line->starts_with('[')) step = readSection(scan, *line);
+    if (line->starts_with('[')) step = readLine(scan, *line);
   }
   return step;
 }
 
 bool isComplete(const HeaderScan& scan) {
   const auto function = static_cast<std::size_t>(scan.config.testFunction);
-  return function < requiredItems.size() && scan.seenMask == requiredItems[function];
+  return function < kRequiredItems.size() && scan.seen == kRequiredItems[function];
 }
 
 }  // namespace
 
 int parseRequestHeader(TestConfig& config, const char* requestPath, const char* responsePath) {
-  HeaderScan scan{.config = config};
-  scan.files.line = scan.line;
-  if (openFiles(scan.files, requestPath, responsePath) < 0) return -1;
+  HeaderScan scan{.config = config, .files{requestPath, responsePath, kLineCapacity}};
+  if (openFiles(scan.files) < 0) return -1;
   const Step end = scanSections(scan);
-  closeFiles(scan.files, responsePath, 0);
-  if (end == Step::REFUSE) return -1;
+  if (closeFiles(scan.files, 0) < 0 || end == Step::REFUSE) return -1;
   if (end == Step::VALUE_LIST) return parseValueListHeader(config, requestPath, scan.form);
   return isComplete(scan) ? 0 : failWith("request is inadequate!!");
 }

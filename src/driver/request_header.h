@@ -29,9 +29,10 @@ namespace runner {
 //
 // Returns 0 when exactly the sections that the function needs are there. Otherwise it prints the
 // reason as one line, in most cases followed by "request is inadequate!!", and returns -1; what was
-// written to the response stays there. "can't open PATH" and "can't write PATH" are printed for
-// files that fail; the latter does not change the result.
-int parseRequestHeader(TestConfig& config, const char* requestPath, const char* responsePath);
+// written to the response stays there. A file that fails prints "can't open PATH", "can't read
+// PATH" or "can't write PATH", and the result is -1.
+[[nodiscard]] int parseRequestHeader(TestConfig& config, const char* requestPath,
+                                     const char* responsePath);
 
 }  // namespace runner
 

@@ -1,6 +1,7 @@
 #ifndef RUNNER_DRIVER_TEST_CONFIG_H_
 #define RUNNER_DRIVER_TEST_CONFIG_H_
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -85,7 +86,7 @@ struct HashProperties {
   int blockBits;              // block length in bits
 };
 
-inline constexpr std::array<HashProperties, 5> hashTable{{
+inline constexpr std::array<HashProperties, 5> kHashTable{{
     {HashId::SHA1, "SHA-1", "M_Hash_SHA1", 1, 20, 512},
     {HashId::SHA224, "SHA-224", "M_Hash_SHA224", 224, 28, 512},
     {HashId::SHA256, "SHA-256", "M_Hash_SHA256", 256, 32, 512},
@@ -95,19 +96,24 @@ inline constexpr std::array<HashProperties, 5> hashTable{{
 
 // The longest digest of the table, in bytes.
 inline constexpr std::size_t kMaxDigestLength = 64;
+static_assert(std::ranges::max(kHashTable, {}, &HashProperties::digestLength).digestLength ==
+              kMaxDigestLength);
 
-// isHash tells whether `id` is one of the five hashes.
-constexpr bool isHash(HashId id) { return id >= HashId::SHA1 && id <= HashId::SHA512; }
-
-// hashIndex returns the row of `id`, which must be one of the five hashes, in hashTable and in
-// every other five-entry table that follows the hash.
-constexpr std::size_t hashIndex(HashId id) {
-  return static_cast<std::size_t>(id) - static_cast<std::size_t>(HashId::SHA1);
+// findHash returns the properties of `id`, or null for a number that is none of the hashes.
+constexpr const HashProperties* findHash(HashId id) {
+  for (const HashProperties& hash : kHashTable) {
+    if (hash.id == id) return &hash;
+  }
+  return nullptr;
 }
 
-// findHash returns the properties of `id`, or null for a number that is none of the five hashes.
-constexpr const HashProperties* findHash(HashId id) {
-  return isHash(id) ? &hashTable[hashIndex(id)] : nullptr;
+// isHash tells whether `id` is one of the hashes.
+constexpr bool isHash(HashId id) { return findHash(id) != nullptr; }
+
+// hashIndex returns the row of `id`, which must be one of the hashes, in kHashTable and in every
+// other table that follows the hash.
+constexpr std::size_t hashIndex(HashId id) {
+  return static_cast<std::size_t>(findHash(id) - kHashTable.data());
 }
 
 }  // namespace runner

@@ -7,7 +7,9 @@
 #include <span>
 #include <string_view>
 
+#include "ec/curve_table.h"
 #include "text/diagnostics.h"
+#include "text/test_files.h"
 #include "text/text_helpers.h"
 #include "text/text_stream.h"
 
@@ -41,7 +43,7 @@ struct ItemLine {
   int number = 0;
 };
 
-constexpr std::array<ItemLine, 5> drbgLines{{
+constexpr std::array<ItemLine, 5> kDrbgLines{{
     {Item::DRBG, kDrbgRequestKey},
     {Item::CIPHER, "[UnderlyingAlgorithm = AES-256]", 256},
     {Item::CIPHER, "[UnderlyingAlgorithm = AES-128]", 128},
@@ -49,13 +51,13 @@ constexpr std::array<ItemLine, 5> drbgLines{{
     {Item::STRENGTH, "[SecurityStrength = 128]", 128},
 }};
 
-constexpr std::array<ItemLine, 3> ecdsaLines{{
+constexpr std::array<ItemLine, 3> kEcdsaLines{{
     {Item::VERIFICATION, kSignatureRequestKey},
     {Item::CURVE, "Curve = P-?"},
     {Item::HASH_AND_DIGEST_LENGTH, "HashAlgorithm = SHA-?"},
 }};
 
-constexpr std::array<ItemLine, 5> ffcLines{{
+constexpr std::array<ItemLine, 5> kFfcLines{{
     {Item::VERIFICATION, kSignatureRequestKey},
     {Item::PARAMETER_SET, "[FFCDomainParameterSizeSet = "},
     {Item::MODULUS_LENGTH, "[L = ?"},
@@ -73,23 +75,13 @@ struct Form {
 };
 
 // By ValueListForm.
-constexpr std::array<Form, 3> forms{{
-    {drbgLines, "RequestedNumberOfBits = ?", "NumberOfTrials = ?", "trial num"},
-    {ecdsaLines, "BitLengthOfMessage = ?", "NumberOfMessages = ?", "message num"},
-    {ffcLines, "BitLengthOfMessage = ?", "NumberOfMessages = ?", "message num"},
+constexpr std::array<Form, 3> kForms{{
+    {kDrbgLines, "RequestedNumberOfBits = ?", "NumberOfTrials = ?", "trial num"},
+    {kEcdsaLines, "BitLengthOfMessage = ?", "NumberOfMessages = ?", "message num"},
+    {kFfcLines, "BitLengthOfMessage = ?", "NumberOfMessages = ?", "message num"},
 }};
 
-struct Curve {
-  int number;
-  const char* name;
-};
-constexpr std::array<Curve, 5> curves{{
-    {192, "P-192"},
-    {224, "P-224"},
-    {256, "P-256"},
-    {384, "P-384"},
-    {521, "P-521"},
-}};
+static_assert(kForms.size() == static_cast<std::size_t>(ValueListForm::FFC) + 1);
 
 std::optional<int> findNumber(std::string_view line, std::string_view pattern) {
   std::array<char, kValueCapacity> value{};
@@ -106,8 +98,8 @@ std::optional<int> findItem(std::string_view line, const ItemLine& row) {
 
 bool setCurve(TestConfig& config, int number) {
   config.mode = ModeId::ECDSA;
-  for (const Curve& curve : curves) {
-    if (curve.number != number) continue;
+  for (const CurveParams& curve : curveTable) {
+    if (decimal(std::string_view(curve.name).substr(2)) != number) continue;
     config.curveName = curve.name;
     return true;
   }
@@ -117,7 +109,7 @@ bool setCurve(TestConfig& config, int number) {
 
 const HashProperties* setHash(TestConfig& config, int number) {
   std::printf("hash: %d\n", number);
-  for (const HashProperties& hash : hashTable) {
+  for (const HashProperties& hash : kHashTable) {
     if (hash.number != number) continue;
     config.hashId = hash.id;
     return &hash;
@@ -169,12 +161,11 @@ bool setItem(TestConfig& config, Item item, int number) {
 }
 
 // readItems reads lines until all items have been seen. Returns false when the file ends first.
-bool readItems(TestConfig& config, TextReader& request, std::span<char> buffer,
-               std::span<const ItemLine> rows) {
+bool readItems(TestConfig& config, TextReader& request, std::span<const ItemLine> rows) {
   unsigned missing = 0;
   for (const ItemLine& row : rows) missing |= bitOf(row.item);
   while (missing != 0) {
-    const auto line = request.viewLine(buffer);
+    const auto line = request.readLine(kLineCapacity);
     if (!line) return false;
     for (const ItemLine& row : rows) {
       const auto number = findItem(*line, row);
@@ -190,8 +181,8 @@ bool readItems(TestConfig& config, TextReader& request, std::span<char> buffer,
 }
 
 // scanForNumber reads lines until one has the value of `pattern`; nothing when the file ends first.
-std::optional<int> scanForNumber(TextReader& request, std::span<char> buffer, const char* pattern) {
-  while (const auto line = request.viewLine(buffer)) {
+std::optional<int> scanForNumber(TextReader& request, const char* pattern) {
+  while (const auto line = request.readLine(kLineCapacity)) {
     if (const auto number = findNumber(*line, pattern)) return number;
   }
   return std::nullopt;
@@ -199,13 +190,12 @@ std::optional<int> scanForNumber(TextReader& request, std::span<char> buffer, co
 
 // readHeader returns false when the file ends before the header is complete.
 bool readHeader(TestConfig& config, TextReader& request, const Form& form) {
-  std::array<char, kLineCapacity> buffer{};
-  if (!readItems(config, request, buffer, form.items)) return false;
-  const auto bits = scanForNumber(request, buffer, form.messageLength);
+  if (!readItems(config, request, form.items)) return false;
+  const auto bits = scanForNumber(request, form.messageLength);
   if (!bits) return false;
   config.messageLength = *bits / 8;
   std::printf("request size : %d\n", config.messageLength);
-  const auto count = scanForNumber(request, buffer, form.count);
+  const auto count = scanForNumber(request, form.count);
   if (!count) return false;
   config.count = *count;
   std::printf("%s : %d\n", form.countName, config.count);
@@ -217,8 +207,9 @@ bool readHeader(TestConfig& config, TextReader& request, const Form& form) {
 int parseValueListHeader(TestConfig& config, const char* requestPath, ValueListForm form) {
   TextReader request;
   if (!request.open(requestPath)) return failOpening(requestPath);
-  const Form& lines = forms[static_cast<std::size_t>(form)];
-  return readHeader(config, request, lines) ? 0 : failWith("request is inadequate!!");
+  const bool complete = readHeader(config, request, kForms[static_cast<std::size_t>(form)]);
+  if (closeRead(request, requestPath) < 0) return -1;
+  return complete ? 0 : failWith("request is inadequate!!");
 }
 
 }  // namespace runner

@@ -1,14 +1,16 @@
 #ifndef RUNNER_DRIVER_VALUE_LIST_HEADER_H_
 #define RUNNER_DRIVER_VALUE_LIST_HEADER_H_
 
+#include <string_view>
+
 #include "driver/test_config.h"
 
 namespace runner {
 
 // The lines that tell a value-list request: its header is a set of single-line items of the shape
 // name = value, and its tests are records of such lines.
-inline constexpr const char* kDrbgRequestKey = "[AlgorithmName = CTR_DRBG no df]";
-inline constexpr const char* kSignatureRequestKey = "[TargetFunction = SignatureVerification]";
+inline constexpr std::string_view kDrbgRequestKey = "[AlgorithmName = CTR_DRBG no df]";
+inline constexpr std::string_view kSignatureRequestKey = "[TargetFunction = SignatureVerification]";
 
 // The three kinds of value-list headers.
 enum class ValueListForm : int {
@@ -18,9 +20,11 @@ enum class ValueListForm : int {
 };
 
 // parseValueListHeader reads the header of a value-list request from the start of the file and
-// fills `config` with what it names. Lines have at most 47 characters, values at most 7; n is a
-// decimal number. The items of a form come in any order, several on a line where their texts allow
-// it, and the last one of a kind counts; items without a "[" may stand anywhere in a line.
+// fills `config` with what it names. Lines have at most 47 characters; n is a decimal number of at
+// most 6 characters, 7 where the line ends with it and has no newline. The items of a form come in
+// any order, several on a line where their texts allow it; until all are there the last one of a
+// kind counts, and later ones are not looked at. An item that is not a whole "[... = ...]" below,
+// "[L = " and "[N = " included, may stand anywhere in a line.
 //
 //   DRBG   [AlgorithmName = CTR_DRBG no df]
 //          [UnderlyingAlgorithm = AES-n]             n 128 or 256
@@ -45,9 +49,10 @@ enum class ValueListForm : int {
 // size : " (bytes), "trial num : " or "message num : ", each with its value. A curve or a hash that
 // is not supported takes back an earlier one and prints "Unsupported curve!!" or "Unsupported hash
 // algorithm!!"; a value that is too long prints getStr's line. Returns 0 when all are there;
-// otherwise it prints "request is inadequate!!", or "can't open PATH", and returns -1. The response
-// is not touched.
-int parseValueListHeader(TestConfig& config, const char* requestPath, ValueListForm form);
+// otherwise it prints "request is inadequate!!", "can't open PATH" or "can't read PATH", and
+// returns -1. The response is not touched.
+[[nodiscard]] int parseValueListHeader(TestConfig& config, const char* requestPath,
+                                       ValueListForm form);
 
 }  // namespace runner
 

@@ -4,21 +4,19 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
+#include <string_view>
 #include <utility>
 
 #include "ec/curve_table.h"
 #include "sig/sig_handles.h"
 #include "text/diagnostics.h"
+#include "text/owner.h"
 #include "text/text_helpers.h"
 
 namespace runner {
 namespace {
 
-struct NumberContextDeleter {
-  void operator()(BN_CTX* context) const noexcept { BN_CTX_free(context); }
-};
-using NumberContext = std::unique_ptr<BN_CTX, NumberContextDeleter>;
+using NumberContext = Owner<BN_CTX, BN_CTX_free>;
 
 struct DomainNumbers {
   std::array<BigNumber, 6> numbers;  // p, a, b, Gx, Gy and n
@@ -54,9 +52,10 @@ DomainNumbers curveNumbers(const CurveParams& curve) {
 }
 
 DomainNumbers requestNumbers(const EcParams& params, const EcPoint& base) {
+  const auto cofactor = params[SLOT_H];
   return {{bigNumber(params[SLOT_P]), bigNumber(params[SLOT_A]), bigNumber(params[SLOT_B]),
            bigNumber(base.x), bigNumber(base.y), bigNumber(params[SLOT_N])},
-          decimal(reinterpret_cast<const char*>(params[SLOT_H].data()))};
+          decimal({reinterpret_cast<const char*>(cofactor.data()), cofactor.size()})};
 }
 
 bool isSameNumber(const BigNumber& number, const BigNumber& other) {
@@ -74,7 +73,7 @@ int findCurve(const EcParams& params) {
   const auto base = splitPoint(params[SLOT_G]);
   if (!base) return failWith("Unsupported format of G!!");
   const DomainNumbers request = requestNumbers(params, *base);
-  for (std::size_t index = 0; index < kCurveCount; ++index) {
+  for (std::size_t index = 0; index < curveTable.size(); ++index) {
     if (isSameDomain(request, curveNumbers(curveTable[index]))) return static_cast<int>(index);
   }
   return -1;

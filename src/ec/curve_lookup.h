@@ -8,7 +8,7 @@ namespace runner {
 // findCurve returns the index of the curve in curveTable whose domain parameters are those in the
 // slots before SLOT_Q, compared as numbers, or -1 when there is none. A base point in another form
 // than the uncompressed one belongs to no curve and prints "Unsupported format of G!!".
-int findCurve(const EcParams& params);
+[[nodiscard]] int findCurve(const EcParams& params);
 
 }  // namespace runner
 

@@ -1,10 +1,15 @@
 #include "ec/curve_table.h"
 
+#include <gnutls/gnutls.h>
 #include <openssl/obj_mac.h>
 
-namespace runner {
+#include <algorithm>
+#include <array>
 
-const std::array<CurveParams, kCurveCount> curveTable{{
+namespace runner {
+namespace {
+
+constexpr auto kCurves = std::to_array<CurveParams>({
     {
         .p = "6277101735386680763835789423207666416083908700390324961279",
         .a = "-3",
@@ -14,6 +19,8 @@ const std::array<CurveParams, kCurveCount> curveTable{{
         .n = "6277101735386680763835789423176059013767194773182842284081",
         .h = "1",
         .name = "P-192",
+        .opensslNid = NID_X9_62_prime192v1,
+        .gnutlsId = GNUTLS_ECC_CURVE_SECP192R1,
     },
     {
         .p = "26959946667150639794667015087019630673557916260026308143510066298881",
@@ -24,6 +31,8 @@ const std::array<CurveParams, kCurveCount> curveTable{{
         .n = "26959946667150639794667015087019625940457807714424391721682722368061",
         .h = "1",
         .name = "P-224",
+        .opensslNid = NID_secp224r1,
+        .gnutlsId = GNUTLS_ECC_CURVE_SECP224R1,
     },
     {
         .p = "115792089210356248762697446949407573530086143415290314195533631308867097853951",
@@ -34,6 +43,8 @@ const std::array<CurveParams, kCurveCount> curveTable{{
         .n = "115792089210356248762697446949407573529996955224135760342422259061068512044369",
         .h = "1",
         .name = "P-256",
+        .opensslNid = NID_X9_62_prime256v1,
+        .gnutlsId = GNUTLS_ECC_CURVE_SECP256R1,
     },
     {
         .p = "394020061963944792122790401001436138050797392704654466679482934042457217714968703290"
@@ -49,6 +60,8 @@ const std::array<CurveParams, kCurveCount> curveTable{{
              "98956308152294913554433653942643",
         .h = "1",
         .name = "P-384",
+        .opensslNid = NID_secp384r1,
+        .gnutlsId = GNUTLS_ECC_CURVE_SECP384R1,
     },
     {
         .p = "686479766013060971498190079908139321726943530014330540939446345918554318339765605212"
@@ -64,16 +77,18 @@ const std::array<CurveParams, kCurveCount> curveTable{{
              "5057746333217197532963996371363321113864768612440380340372808892707005449",
         .h = "1",
         .name = "P-521",
+        .opensslNid = NID_secp521r1,
+        .gnutlsId = GNUTLS_ECC_CURVE_SECP521R1,
     },
-}};
+});
 
-const std::array<int, kCurveCount> curveNids{
-    NID_X9_62_prime192v1, NID_secp224r1, NID_X9_62_prime256v1, NID_secp384r1, NID_secp521r1,
-};
+}  // namespace
 
-const std::array<gnutls_ecc_curve_t, kCurveCount> gnutlsCurveIds{
-    GNUTLS_ECC_CURVE_SECP192R1, GNUTLS_ECC_CURVE_SECP224R1, GNUTLS_ECC_CURVE_SECP256R1,
-    GNUTLS_ECC_CURVE_SECP384R1, GNUTLS_ECC_CURVE_SECP521R1,
-};
+constinit const std::span<const CurveParams> curveTable = kCurves;
+
+int findCurveName(std::string_view name) {
+  const auto found = std::ranges::find(kCurves, name, &CurveParams::name);
+  return found == kCurves.end() ? -1 : static_cast<int>(found - kCurves.begin());
+}
 
 }  // namespace runner

@@ -4,7 +4,7 @@
 
 #include <array>
 #include <cstdio>
-#include <memory>
+#include <utility>
 
 #include "ec/curve_lookup.h"
 #include "ec/curve_state.h"
@@ -12,19 +12,14 @@
 #include "sig/openssl_error.h"
 #include "sig/sig_handles.h"
 #include "text/diagnostics.h"
+#include "text/owner.h"
 
 namespace runner {
 namespace {
 
-struct EcKeyDeleter {
-  void operator()(EC_KEY* key) const noexcept { EC_KEY_free(key); }
-};
-using EcKey = std::unique_ptr<EC_KEY, EcKeyDeleter>;
+using EcGroup = Owner<EC_GROUP, EC_GROUP_free>;
 
-struct EcGroupDeleter {
-  void operator()(EC_GROUP* group) const noexcept { EC_GROUP_free(group); }
-};
-using EcGroup = std::unique_ptr<EC_GROUP, EcGroupDeleter>;
+const CurveParams& curveAt(int index) { return curveTable[static_cast<std::size_t>(index)]; }
 
 // recordQueuedErrors empties OpenSSL's error queue, with a line for each error.
 void recordQueuedErrors() {
@@ -37,17 +32,18 @@ void recordQueuedErrors() {
 }
 
 int importEcPoint_gnutls(OwnedPubKey& keyOut, std::span<const std::uint8_t> x,
-                         std::span<const std::uint8_t> y, gnutls_ecc_curve_t curve) {
+                         std::span<const std::uint8_t> y, int curveIndex) {
   GnutlsKey key = newGnutlsKey();
   if (!key) return -1;
   const gnutls_datum_t xDatum = datum(x);
   const gnutls_datum_t yDatum = datum(y);
+  const auto curve = static_cast<gnutls_ecc_curve_t>(curveAt(curveIndex).gnutlsId);
   const int result = gnutls_pubkey_import_ecc_raw(key.get(), curve, &xDatum, &yDatum);
   if (result < 0) {
     std::printf("pubkey_import_ecc_raw failed(%d)!!\n", result);
     return -1;
   }
-  keyOut.reset(toPubKey(key.release()));
+  keyOut = ownPubKey(std::move(key));
   return 0;
 }
 
@@ -70,8 +66,7 @@ int importEcPoint(CryptEngine engine, OwnedPubKey& keyOut, std::span<const std::
   keyOut.reset();
   switch (engine) {
     case CryptEngine::GNUTLS:
-      return importEcPoint_gnutls(keyOut, x, y,
-                                  gnutlsCurveIds[static_cast<std::size_t>(curveIndex)]);
+      return importEcPoint_gnutls(keyOut, x, y, curveIndex);
     case CryptEngine::OPENSSL:
       return makeEcKey(keyOut, x, y, curveIndex);
     default:
@@ -84,17 +79,18 @@ int makeEcKey(OwnedPubKey& keyOut, std::span<const std::uint8_t> x, std::span<co
   keyOut.reset();
   EcKey key(EC_KEY_new());
   if (!key) return failWith("EC_KEY_new failed!!");
-  const EcGroup group(EC_GROUP_new_by_curve_name(curveNids[static_cast<std::size_t>(curveIndex)]));
+  const EcGroup group(EC_GROUP_new_by_curve_name(curveAt(curveIndex).opensslNid));
   if (!group) return failWith("EC_GROUP_new failed!!");
   if (EC_KEY_set_group(key.get(), group.get()) != 1) return failWith("EC_KEY_set_group failed!!");
   const BigNumber xNumber = bigNumber(x);
   const BigNumber yNumber = bigNumber(y);
+  ERR_clear_error();
   if (EC_KEY_set_public_key_affine_coordinates(key.get(), xNumber.get(), yNumber.get()) != 1) {
     failWith("EC_KEY_set_public_key failed!!");
     recordQueuedErrors();
     return -1;
   }
-  keyOut.reset(toPubKey(key.release()));
+  keyOut = ownPubKey(std::move(key));
   return 0;
 }
 

@@ -18,7 +18,7 @@ enum EcParamSlot : std::size_t {
   SLOT_G,      // the base point
   SLOT_EMPTY,  // the y of the base point stands in SLOT_G
   SLOT_N,
-  SLOT_H,  // decimal text that ends with a zero byte
+  SLOT_H,  // decimal text
   SLOT_Q,  // the public key
   SLOT_COUNT,
 };
@@ -34,7 +34,7 @@ struct EcPoint {
 
 // splitPoint returns the coordinates that stand in an uncompressed point; nothing when its first
 // byte is not 0x04 or its length is even.
-std::optional<EcPoint> splitPoint(std::span<const std::uint8_t> point);
+[[nodiscard]] std::optional<EcPoint> splitPoint(std::span<const std::uint8_t> point);
 
 }  // namespace runner
 

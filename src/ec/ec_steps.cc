@@ -1,13 +1,10 @@
 #include "ec/ec_steps.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <string_view>
 #include <utility>
 
-#include "ec/curve_state.h"
-#include "sig/key_records.h"
 #include "sig/openssl_error.h"
 #include "text/diagnostics.h"
 #include "text/hex_digits.h"
@@ -19,23 +16,25 @@ namespace {
 int echoCofactor(TestFiles& files, Buffer& text, int allocationSite) {
   const std::string_view line = nextValue(files);
   const std::string_view digits = line.substr(0, countHexDigits(line));
-  if (!text.allocate(digits.size() + 1)) return mallocFailedAt(allocationSite);
+  if (!text.allocate(digits.size())) return mallocFailedAt(allocationSite);
   std::ranges::copy(digits, text.text().begin());
   writeLine(files.response, digits);
   return 0;
 }
 
-}  // namespace
-
-int runEcTest(int (*test)(const TestConfig&, TestFiles&), const TestConfig& config,
-              const char* requestPath, const char* responsePath) {
-  std::array<char, kKeyLineCapacity> line{};
-  TestFiles files{.line = line};
-  if (openFiles(files, requestPath, responsePath) < 0) return -1;
-  const int result = test(config, files);
-  curveLookupPending = 1;
-  return closeFiles(files, responsePath, result);
+// takeKeyComplaint returns what the refusal of a key means, by lastOpensslError, and clears that.
+const char* takeKeyComplaint() {
+  switch (std::exchange(lastOpensslError, 0)) {
+    case kPointIsNotOnCurve:
+      return "illegal public key?";
+    case kBadSignature:
+      return "bad signature?";
+    default:
+      return "something wrong?";
+  }
 }
+
+}  // namespace
 
 int readDomain(TestFiles& files, EcDomain& domain, const DomainSites& sites) {
   if (echoSection(files, "[Domain Parameter]", sites.section) < 0) return -1;
@@ -51,24 +50,13 @@ int readDomain(TestFiles& files, EcDomain& domain, const DomainSites& sites) {
   return result;
 }
 
-const char* takeKeyComplaint() {
-  switch (std::exchange(lastOpensslError, 0)) {
-    case kPointIsNotOnCurve:
-      return "illegal public key?";
-    case kBadSignature:
-      return "bad signature?";
-    default:
-      return "something wrong?";
-  }
-}
-
-int scoreRefusedKey(CryptEngine engine, int index, int site) {
+Verdict scoreRefusedKey(CryptEngine engine, int number, const RefusalText& text) {
   if (engine != CryptEngine::OPENSSL) {
-    std::printf("KEY%d: ", index);
-    return failAt(site);
+    std::printf("%s%d: ", text.label, number);
+    return verdictOf(failAt(text.site));
   }
-  std::printf("KEY%d: %s\n", index, takeKeyComplaint());
-  return 1;
+  std::printf("%s%s%d: %s\n", text.indent, text.label, number, takeKeyComplaint());
+  return Verdict::FAIL;
 }
 
 }  // namespace runner

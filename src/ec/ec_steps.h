@@ -5,6 +5,7 @@
 
 #include "driver/test_config.h"
 #include "ec/ec_params.h"
+#include "sig/pubkey.h"
 #include "text/buffer.h"
 #include "text/sections.h"
 #include "text/test_files.h"
@@ -12,12 +13,6 @@
 // What the EC test procedures have in common.
 
 namespace runner {
-
-// runEcTest opens the files, runs `test` with lines of at most 1023 characters, and closes the
-// files. Returns the result of the test, -1 when a file fails. The curve lookup is pending
-// afterwards.
-int runEcTest(int (*test)(const TestConfig&, TestFiles&), const TestConfig& config,
-              const char* requestPath, const char* responsePath);
 
 // EcDomain holds the domain parameters of a test.
 struct EcDomain {
@@ -36,16 +31,20 @@ struct DomainSites {
 // hexadecimal, each as long as its digits say, then h, of which the hexadecimal digits at the start
 // of the line are kept as text. A value that cannot be converted prints its failure and the next
 // ones are read all the same. Returns 0 when all six stand in `domain`, otherwise -1.
-int readDomain(TestFiles& files, EcDomain& domain, const DomainSites& sites);
+[[nodiscard]] int readDomain(TestFiles& files, EcDomain& domain, const DomainSites& sites);
 
-// takeKeyComplaint returns what OpenSSL's refusal of a key means, by lastOpensslError, which it
-// sets to 0: "illegal public key?", "bad signature?" or "something wrong?".
-const char* takeKeyComplaint();
+// How a test names a record whose key could not be made ("KEY3: ").
+struct RefusalText {
+  const char* indent;  // before the line of a record that fails
+  const char* label;   // before the number of the record
+  int site;            // the failure number of a record that ends the test
+};
 
-// scoreRefusedKey is the result of key `index`, which could not be imported. With OpenSSL the key
-// is not valid: it prints "KEY%d: COMPLAINT" and returns 1. With any other engine the test cannot
-// go on: it prints "KEY%d: err happens!! (SITE)" and returns -1.
-int scoreRefusedKey(CryptEngine engine, int index, int site);
+// scoreRefusedKey is the verdict on record `number`, whose key could not be made. With OpenSSL the
+// record fails, after a line like "KEY3: illegal public key?": lastOpensslError, which is set to 0,
+// words it, the others are "bad signature?" and "something wrong?". With any other engine the test
+// cannot go on, after a line like "KEY3: err happens!! (SITE)".
+[[nodiscard]] Verdict scoreRefusedKey(CryptEngine engine, int number, const RefusalText& text);
 
 }  // namespace runner
 

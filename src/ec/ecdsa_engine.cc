@@ -1,19 +1,17 @@
 #include "ec/ecdsa_engine.h"
 
-#include <memory>
+#include <openssl/err.h>
 
 #include "sig/openssl_error.h"
 #include "sig/sig_handles.h"
 #include "sig/signature_primitives.h"
 #include "text/diagnostics.h"
+#include "text/owner.h"
 
 namespace runner {
 namespace {
 
-struct EcdsaSignatureDeleter {
-  void operator()(ECDSA_SIG* signature) const noexcept { ECDSA_SIG_free(signature); }
-};
-using EcdsaSignature = std::unique_ptr<ECDSA_SIG, EcdsaSignatureDeleter>;
+using EcdsaSignature = Owner<ECDSA_SIG, ECDSA_SIG_free>;
 
 // setIntegers gives the signature its integers. Returns false when there is no memory.
 bool setIntegers(ECDSA_SIG* signature, std::span<const std::uint8_t> r,
@@ -32,23 +30,24 @@ int verifyEcdsa(const TestConfig& config, PubKey key, std::span<const std::uint8
                 std::span<const std::uint8_t> r, std::span<const std::uint8_t> s) {
   switch (config.engine) {
     case CryptEngine::GNUTLS:
-      return verifyPairGnutls(config, key, message, r, s);
+      return verifyPair_gnutls(config, key, message, r, s);
     case CryptEngine::OPENSSL:
-      return ecdsa_verify_openssl(config.hashId, asEcKey(key), message, r, s);
+      return ecdsa_verify_openssl(config.hashId, key, message, r, s);
     default:
       return failWith("unsupported engine!!");
   }
 }
 
-int ecdsa_verify_openssl(HashId hashId, EC_KEY* key, std::span<const std::uint8_t> message,
+int ecdsa_verify_openssl(HashId hashId, PubKey key, std::span<const std::uint8_t> message,
                          std::span<const std::uint8_t> r, std::span<const std::uint8_t> s) {
   const auto digest = digestMessage(hashId, message);
   if (!digest) return -1;
   const EcdsaSignature signature(ECDSA_SIG_new());
   if (!signature) return failWith("ECDSA_SIG_new() failed!!");
   if (!setIntegers(signature.get(), r, s)) return -1;
-  const int result =
-      ECDSA_do_verify(digest->bytes.data(), static_cast<int>(digest->length), signature.get(), key);
+  ERR_clear_error();
+  const int result = ECDSA_do_verify(digest->bytes.data(), static_cast<int>(digest->length),
+                                     signature.get(), asEcKey(key));
   if (result == -1) reportVerifyError("ECDSA_verify");
   return result == 1 ? kVerified : kNotVerified;
 }

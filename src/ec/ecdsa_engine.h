@@ -1,8 +1,6 @@
 #ifndef RUNNER_EC_ECDSA_ENGINE_H_
 #define RUNNER_EC_ECDSA_ENGINE_H_
 
-#include <openssl/ec.h>
-
 #include <cstdint>
 #include <span>
 
@@ -20,14 +18,17 @@ namespace runner {
 // and DSA included, and returns -1 for any other mode; integers of more than 127 bytes, too long
 // for encodeSigRS, print its line and "encoding signature(rs) failed!!". OpenSSL is
 // ecdsa_verify_openssl. Any other engine prints "unsupported engine!!" and returns -1.
-int verifyEcdsa(const TestConfig& config, PubKey key, std::span<const std::uint8_t> message,
-                std::span<const std::uint8_t> r, std::span<const std::uint8_t> s);
+[[nodiscard]] int verifyEcdsa(const TestConfig& config, PubKey key,
+                              std::span<const std::uint8_t> message,
+                              std::span<const std::uint8_t> r, std::span<const std::uint8_t> s);
 
-// ecdsa_verify_openssl verifies through OpenSSL; the integers may have any length. An error inside
-// the library prints "ECDSA_verify failed!!(TEXT)", stays in lastOpensslError and returns 1;
-// "ECDSA_SIG_new() failed!!" is a lack of memory.
-int ecdsa_verify_openssl(HashId hashId, EC_KEY* key, std::span<const std::uint8_t> message,
-                         std::span<const std::uint8_t> r, std::span<const std::uint8_t> s);
+// ecdsa_verify_openssl verifies through OpenSSL, whose key `key` must be; the integers may have any
+// length. An error inside the library prints "ECDSA_verify failed!!(TEXT)", stays in
+// lastOpensslError and returns 1; "ECDSA_SIG_new() failed!!" is a lack of memory.
+[[nodiscard]] int ecdsa_verify_openssl(HashId hashId, PubKey key,
+                                       std::span<const std::uint8_t> message,
+                                       std::span<const std::uint8_t> r,
+                                       std::span<const std::uint8_t> s);
 
 }  // namespace runner
 

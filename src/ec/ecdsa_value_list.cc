@@ -4,7 +4,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdio>
-#include <optional>
 #include <string_view>
 
 #include "ec/curve_state.h"
@@ -13,34 +12,34 @@
 #include "ec/ec_steps.h"
 #include "ec/ecdsa_engine.h"
 #include "sig/pubkey.h"
-#include "sig/signature_primitives.h"
 #include "sig/value_list_records.h"
 #include "text/buffer.h"
 #include "text/diagnostics.h"
+#include "text/sections.h"
+#include "text/test_files.h"
 
 namespace runner {
 namespace {
 
-constexpr std::array groupMarks{"[P-", ",SHA-"};
+constexpr std::array kGroupMarks{"[P-", ",SHA-"};
 
 // The longest value of a curve, that of P-521, in bytes.
 constexpr std::size_t kMaxValueLength = 66;
 
+constexpr RefusalText kRefusalText{.indent = "    ", .label = "COUNT", .site = 4823};
+
 struct Group {
   const TestConfig& config;
-  Buffer line{};
   Buffer message{};
-  RecordValue x{"Qx = ", config.keyLength, 4756};
-  RecordValue y{"Qy = ", config.keyLength, 4757};
-  RecordValue r{"R = ", config.keyLength, 4758};
-  RecordValue s{"S = ", config.keyLength, 4759};
+  NamedValue x{"Qx = ", config.keyLength, 4756};
+  NamedValue y{"Qy = ", config.keyLength, 4757};
+  NamedValue r{"R = ", config.keyLength, 4758};
+  NamedValue s{"S = ", config.keyLength, 4759};
 };
 
-int allocateGroup(Group& group) {
-  const std::size_t messageLength = bufferSize(group.config.messageLength);
-  if (!group.line.allocate(2 * std::max(messageLength, kMaxValueLength) + 9)) {
-    return mallocFailedAt(4754);
-  }
+int startGroup(TestFiles& files, Group& group) {
+  const std::size_t messageLength = sizeOf(group.config.messageLength);
+  if (setLineCapacity(files, 2 * std::max(messageLength, kMaxValueLength) + 9, 4754) < 0) return -1;
   if (!group.message.allocate(messageLength)) return mallocFailedAt(4755);
   return allocateValues({&group.x, &group.y, &group.r, &group.s});
 }
@@ -48,73 +47,69 @@ int allocateGroup(Group& group) {
 // nameCurve sets namedCurveId to the curve that the request names; an unknown name changes nothing.
 void nameCurve(const TestConfig& config) {
   if (config.curveName == nullptr) return;
-  const std::string_view name = std::string_view(config.curveName).substr(0, 5);
-  for (std::size_t index = 0; index < curveTable.size(); ++index) {
-    if (name != curveTable[index].name) continue;
-    namedCurveId = static_cast<int>(index);
-    std::printf("curveid: %d\n", namedCurveId);
-    return;
-  }
+  const int index = findCurveName(std::string_view(config.curveName).substr(0, 5));
+  if (index < 0) return;
+  namedCurveId = index;
+  std::printf("curveid: %d\n", namedCurveId);
 }
 
-// scoreRefusedRecord returns the result of a record whose key could not be made; nothing when the
-// test cannot go on.
-std::optional<int> scoreRefusedRecord(CryptEngine engine, int number) {
-  if (engine != CryptEngine::OPENSSL) {
-    std::printf("COUNT%d: ", number);
-    failAt(4823);
-    return std::nullopt;
-  }
-  std::printf("    COUNT%d: %s\n", number, takeKeyComplaint());
-  return kNotVerified;
-}
-
-// verifyRecord returns the result of the verification, -1 when none was possible; nothing when the
-// test cannot go on.
-std::optional<int> verifyRecord(const Group& group, int number) {
+// verifyRecord does not stop for a verification that cannot be made: the record fails.
+Verdict verifyRecord(const Group& group, int number) {
   const TestConfig& config = group.config;
-  OwnedPubKey key(nullptr, PubKeyDeleter(config));
+  OwnedPubKey key;
   if (namedCurveId < 0 ||
       importEcPoint(config.engine, key, group.x.bytes(), group.y.bytes(), namedCurveId) < 0) {
-    return scoreRefusedRecord(config.engine, number);
+    return scoreRefusedKey(config.engine, number, kRefusalText);
   }
-  return verifyEcdsa(config, key.get(), group.message.bytes(), group.r.bytes(), group.s.bytes());
+  const int result =
+      verifyEcdsa(config, key.get(), group.message.bytes(), group.r.bytes(), group.s.bytes());
+  return result == kVerified ? Verdict::PASS : Verdict::FAIL;
 }
 
-int testRecord(TestFiles& files, Group& group, int number) {
-  if (echoMessage(files, group.message.bytes(), {.line = 4778, .value = 4780}) < 0) return -1;
-  if (echoValues(files, {&group.x, &group.y, &group.r, &group.s}, {.line = 4796, .value = 4799}) <
+int answerRecord(TestFiles& files, Group& group, int number) {
+  if (copyMessage(files, group.message.bytes(), {.line = 4778, .value = 4780}) < 0) return -1;
+  if (copyValues(files, {&group.x, &group.y, &group.r, &group.s}, {.line = 4796, .value = 4799}) <
       0) {
     return -1;
   }
   if (curveLookupPending != 0) nameCurve(group.config);
-  const auto result = verifyRecord(group, number);
-  if (!result) return -1;
+  const Verdict verdict = verifyRecord(group, number);
+  if (verdict == Verdict::STOP) return -1;
   curveLookupPending = 0;
   if (!nextNamedValue(files, "Result = ", 4836)) return -1;
-  writeVerdict(files, *result);
+  writeResultLetter(files, verdict);
   return 0;
 }
 
-int testGroup(const TestConfig& config, TestFiles& files) {
+int answerGroup(const TestConfig& config, TestFiles& files) {
   Group group{.config = config};
-  if (allocateGroup(group) < 0) return -1;
-  files.line = group.line.text();
+  if (startGroup(files, group) < 0) return -1;
   curveLookupPending = 1;
-  for (int number = 0;; ++number) {
-    const int found = findRecord(files, number, config.count);
-    if (found <= 0) return found;
-    if (testRecord(files, group, number) < 0) return -1;
+  int number = 0;
+  RecordSearch search = findRecord(files, number, config.count);
+  while (search == RecordSearch::FOUND) {
+    if (answerRecord(files, group, number) < 0) return -1;
+    search = findRecord(files, ++number, config.count);
   }
+  return search == RecordSearch::ENDED ? 0 : -1;
+}
+
+int answerGroups(const TestConfig& config, TestFiles& files) {
+  int result = -1;  // without a group
+  while (findGroup(files, kGroupMarks)) {
+    result = answerGroup(config, files);
+    if (result < 0) break;
+  }
+  return result;
 }
 
 }  // namespace
 
 int procVerifyEcdsaRecords(const TestConfig& config, const char* requestPath,
                            const char* responsePath) {
-  TestFiles files;
-  if (openFiles(files, requestPath, responsePath) < 0) return -1;
-  return closeFiles(files, responsePath, testGroups(config, files, groupMarks, testGroup));
+  TestFiles files{requestPath, responsePath, kValueListLineCapacity};
+  if (openFiles(files) < 0) return -1;
+  return closeFiles(files, answerGroups(config, files));
 }
 
 }  // namespace runner

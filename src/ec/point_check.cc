@@ -9,14 +9,27 @@
 extern "C" int gnutls_pubkey_verify_params(gnutls_pubkey_t key) __attribute__((weak));
 
 namespace runner {
+namespace {
 
-int checkPoint(CryptEngine engine, PubKey key) {
-  if (engine == CryptEngine::OPENSSL) return 0;
+int checkPoint_gnutls(PubKey key) {
   if (gnutls_pubkey_verify_params == nullptr) {
     failWith("gnutls_pubkey_verify_params is not supported!!");
-    return 1;
+    return kNotVerified;
   }
-  return gnutls_pubkey_verify_params(asGnutlsKey(key)) == 0 ? 0 : 1;
+  return gnutls_pubkey_verify_params(asGnutlsKey(key)) == 0 ? kVerified : kNotVerified;
+}
+
+}  // namespace
+
+int checkPoint(CryptEngine engine, PubKey key) {
+  switch (engine) {
+    case CryptEngine::GNUTLS:
+      return checkPoint_gnutls(key);
+    case CryptEngine::OPENSSL:  // checked when the key was made
+      return kVerified;
+    default:
+      return failWith("unsupported engine!!");
+  }
 }
 
 }  // namespace runner

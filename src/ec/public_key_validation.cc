@@ -1,12 +1,16 @@
 #include "ec/public_key_validation.h"
 
-#include <vector>
-
 #include "ec/curve_state.h"
 #include "ec/ec_key.h"
 #include "ec/ec_steps.h"
 #include "ec/point_check.h"
+#include "sig/key_records.h"
+#include "sig/pubkey.h"
+#include "text/buffer.h"
+#include "text/diagnostics.h"
+#include "text/record_list.h"
 #include "text/sections.h"
+#include "text/test_files.h"
 #include "text/text_helpers.h"
 
 namespace runner {
@@ -15,46 +19,59 @@ namespace {
 constexpr DomainSites kDomainSites{
     .section = 3292, .value = {.allocation = 3315, .value = 3316}, .cofactorAllocation = 3308};
 
-int readKey(TestFiles& files, EcDomain& domain) {
+constexpr RefusalText kRefusalText{.indent = "", .label = "KEY", .site = 3372};
+
+// KeyVerdict is what is kept of a key: the results are written when all keys have been seen.
+struct KeyVerdict {
+  RecordPtr<KeyVerdict> next;
+  Verdict verdict;
+};
+
+// readKey reads and writes the next key and puts it into SLOT_Q. Returns its record; null when the
+// test cannot go on.
+KeyVerdict* readKey(TestFiles& files, EcDomain& domain, RecordList<KeyVerdict>& verdicts) {
+  constexpr ValueSites kSites{.allocation = 3350, .value = 3351};
   const auto line = nextListLine(files, "lack of public key!!");
-  if (!line) return -1;
+  if (!line) return nullptr;
+  KeyVerdict* const record = verdicts.append();
+  if (record == nullptr) {
+    mallocFailedAt(kSites.allocation);
+    return nullptr;
+  }
   Buffer& key = domain.values[SLOT_Q];
-  if (echoMeasured(files, *line, key, {.allocation = 3350, .value = 3351}) < 0) return -1;
+  if (echoMeasured(files, *line, key, kSites) < 0) return nullptr;
   domain.params[SLOT_Q] = key.bytes();
-  return 0;
+  return record;
 }
 
-// validateKey returns the result of the key in SLOT_Q, or -1 when the test cannot go on.
-int validateKey(const TestConfig& config, const EcParams& params, int index) {
-  OwnedPubKey key(nullptr, PubKeyDeleter(config));
+Verdict validateKey(const TestConfig& config, const EcParams& params, int index) {
+  OwnedPubKey key;
   if (importEcPublicKey(config.engine, key, params) < 0) {
-    return scoreRefusedKey(config.engine, index, 3372);
+    return scoreRefusedKey(config.engine, index, kRefusalText);
   }
-  return checkPoint(config.engine, key.get());
+  return verdictOf(checkPoint(config.engine, key.get()));
 }
 
 int validateKeys(const TestConfig& config, TestFiles& files, EcDomain& domain, int count) {
-  // Grows with the keys that are there, whatever number was announced.
-  std::vector<int> results;
+  RecordList<KeyVerdict> verdicts;
   curveLookupPending = 1;
   for (int index = 0; index < count; ++index) {
-    if (readKey(files, domain) < 0) return -1;
-    const int result = validateKey(config, domain.params, index);
-    if (result < 0) return -1;
-    results.push_back(result);
+    KeyVerdict* const result = readKey(files, domain, verdicts);
+    if (result == nullptr) return -1;
+    result->verdict = validateKey(config, domain.params, index);
+    if (result->verdict == Verdict::STOP) return -1;
     curveLookupPending = 0;
   }
   writeLine(files.response, "[Results]");
-  for (const int result : results) writeDecimal(files.response, result);
+  for (const KeyVerdict& result : verdicts) writeResultNumber(files, result.verdict);
   return 0;
 }
 
-int runTest(const TestConfig& config, TestFiles& files) {
+int validateList(const TestConfig& config, TestFiles& files) {
   EcDomain domain;
   int count = 0;
   if (readDomain(files, domain, kDomainSites) < 0) return -1;
-  if (echoSection(files, "[Number of Keys]", 3325) < 0) return -1;
-  if (echoPositive(files, count, nullptr) < 0) return -1;
+  if (echoCount(files, "[Number of Keys]", count, 3325) < 0) return -1;
   if (echoSection(files, "[Public Keys]", 3338) < 0) return -1;
   return validateKeys(config, files, domain, count);
 }
@@ -62,7 +79,11 @@ int runTest(const TestConfig& config, TestFiles& files) {
 }  // namespace
 
 int procChkPublicKey(const TestConfig& config, const char* requestPath, const char* responsePath) {
-  return runEcTest(runTest, config, requestPath, responsePath);
+  TestFiles files{requestPath, responsePath, kKeyLineCapacity};
+  if (openFiles(files) < 0) return -1;
+  const int result = validateList(config, files);
+  curveLookupPending = 1;
+  return closeFiles(files, result);
 }
 
 }  // namespace runner

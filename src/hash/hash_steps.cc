@@ -1,8 +1,5 @@
 #include "hash/hash_steps.h"
 
-#include <algorithm>
-#include <cstddef>
-
 #include "hash/digest_engine.h"
 #include "text/diagnostics.h"
 #include "text/sections.h"
@@ -11,8 +8,7 @@ namespace runner {
 
 int readMacKey(const TestConfig& config, TestFiles& files, Buffer& key, MacKeySites sites) {
   if (!computesMac(config)) return 0;
-  const auto length = static_cast<std::size_t>(std::max(config.keyLength, 0));
-  if (!key.allocate(length)) return mallocFailedAt(sites.allocation);
+  if (!key.allocate(sizeOf(config.keyLength))) return mallocFailedAt(sites.allocation);
   if (enterSection(files, "[Key]", sites.section) < 0) return -1;
   return readHex(files, key.bytes(), sites.value);
 }

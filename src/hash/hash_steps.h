@@ -12,6 +12,7 @@
 
 namespace runner {
 
+// computesMac tells whether the run computes MACs, which need a key.
 constexpr bool computesMac(const TestConfig& config) {
   return config.testFunction != TestFunction::HASH;
 }
@@ -26,7 +27,8 @@ struct MacKeySites {
 // readMacKey allocates config.keyLength bytes for `key` and reads them from the next "[Key]"
 // section of the request, which is not echoed. For a HASH test it does nothing. Returns 0, or -1
 // after it has printed what is wrong.
-int readMacKey(const TestConfig& config, TestFiles& files, Buffer& key, MacKeySites sites);
+[[nodiscard]] int readMacKey(const TestConfig& config, TestFiles& files, Buffer& key,
+                             MacKeySites sites);
 
 // The failure numbers of an engine call, by what it computes.
 struct DigestSites {
@@ -36,8 +38,8 @@ struct DigestSites {
 
 // computeDigest writes the digest of `message`, or its HMAC under `key`, to `out`, which has room
 // for the digest length of the hash. Returns 0, or -1 after it has printed the number of the site.
-int computeDigest(const TestConfig& config, std::span<const std::uint8_t> message,
-                  std::uint8_t* out, const Buffer& key, DigestSites sites);
+[[nodiscard]] int computeDigest(const TestConfig& config, std::span<const std::uint8_t> message,
+                                std::uint8_t* out, const Buffer& key, DigestSites sites);
 
 }  // namespace runner
 

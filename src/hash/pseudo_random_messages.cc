@@ -4,8 +4,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
+#include <numeric>
 #include <span>
 #include <string_view>
 
@@ -22,40 +22,36 @@ constexpr std::size_t kLineCapacity = 512;
 constexpr std::size_t kBitLengthCapacity = 32;
 constexpr int kMaxSeedBits = 2047;
 
-// Each step needs the three values before it, and room for its own.
+// A step computes the digest of the three values before its own.
 constexpr std::size_t kParts = 3;
-constexpr std::size_t kSlots = kParts + 1;
 
 struct LoopCounts {
   int inner = 0;
   int outer = 0;
 };
 
-// Chain holds the values MD(i) of a pass in rotation: MD(i) stands in slot i % kSlots.
+// Chain holds the last three values, one behind the other: the message of the next step.
 struct Chain {
   std::size_t digestLength = 0;
-  std::size_t slotLength = 0;  // of the longest value, the digest or the first seed
-  Buffer seed{};               // in the first seedLength bytes
-  std::size_t seedLength = 0;
-  Buffer slots{};
-  std::array<std::size_t, kSlots> valueLengths{};
+  Buffer seed{};
+  std::size_t seedLength = 0;  // bytes of the seed in use
   Buffer message{};
-
-  [[nodiscard]] std::uint8_t* slot(std::size_t i) { return &slots.data()[i % kSlots * slotLength]; }
-  [[nodiscard]] std::size_t& valueLength(std::size_t i) { return valueLengths[i % kSlots]; }
+  std::array<std::size_t, kParts> partLengths{};
+  Buffer value{};  // the value of the last step
 };
 
 int echoLoopCounts(TestFiles& files, LoopCounts& counts) {
   if (echoSection(files, "[Number of Inner-loop for PGMT]", 6239) < 0) return -1;
-  echoDecimal(files, counts.inner);
+  counts.inner = echoDecimal(files);
   if (echoSection(files, "[Number of Outer-loop for PGMT]", 6246) < 0) return -1;
-  echoDecimal(files, counts.outer);
+  counts.outer = echoDecimal(files);
   return counts.inner < 1 || counts.outer < 1 ? failWith("illegal number of loop!!") : 0;
 }
 
 int readSeedBits(TestFiles& files, int& bits) {
   if (enterSection(files, "[Bitlength of Initial Data for PGMT]", 6264) < 0) return -1;
-  bits = nextDecimal(files);
+  files.lineCapacity = kBitLengthCapacity;
+  bits = decimal(nextValue(files));
   if (bits < 1) return failWith("illegal length!!");
   return bits > kMaxSeedBits ? failWith("unexpected long data!!") : 0;
 }
@@ -63,43 +59,47 @@ int readSeedBits(TestFiles& files, int& bits) {
 // startChain converts and writes the seed of `bits` bits, and allocates what the chain needs.
 int startChain(TestFiles& files, Chain& chain, std::string_view seedText, int bits) {
   chain.seedLength = static_cast<std::size_t>(bits) / 8;
-  chain.slotLength = std::max(chain.digestLength, chain.seedLength);
-  if (!chain.seed.allocate(chain.slotLength)) return mallocFailedAt(6296);
+  const std::size_t longest = std::max(chain.digestLength, chain.seedLength);
+  if (!chain.seed.allocate(longest)) return mallocFailedAt(6296);
   const auto seed = chain.seed.bytes().first(chain.seedLength);
   if (hexToBin(seedText, seed) < 0) return failAt(6297);
   writeHex(files.response, seed);
   writeLine(files.response, "[Bitlength of Initial Data for PGMT]");
   writeDecimal(files.response, bits);
-  if (!chain.slots.allocate(kSlots * chain.slotLength)) return mallocFailedAt(6305);
-  if (!chain.message.allocate(kParts * chain.slotLength)) return mallocFailedAt(6306);
+  if (!chain.value.allocate(longest)) return mallocFailedAt(6305);
+  if (!chain.message.allocate(kParts * longest)) return mallocFailedAt(6306);
   return 0;
 }
 
-// joinParts copies the three values before MD(i) into the message and returns it.
-std::span<const std::uint8_t> joinParts(Chain& chain, std::size_t i) {
-  std::uint8_t* end = chain.message.data();
-  for (std::size_t part = i - kParts; part < i; ++part) {
-    std::memcpy(end, chain.slot(part), chain.valueLength(part));
-    end += chain.valueLength(part);
-  }
-  return {chain.message.data(), end};
+std::size_t messageLength(const Chain& chain) {
+  return std::accumulate(chain.partLengths.begin(), chain.partLengths.end(), std::size_t{0});
+}
+
+// slide drops the first part of the message and puts the last value behind the others.
+void slide(Chain& chain) {
+  const auto parts = chain.message.bytes();
+  const std::size_t kept = messageLength(chain) - chain.partLengths.front();
+  std::memmove(parts.data(), &parts[chain.partLengths.front()], kept);
+  std::memcpy(&parts[kept], chain.value.data(), chain.digestLength);
+  std::ranges::rotate(chain.partLengths, chain.partLengths.begin() + 1);
+  chain.partLengths.back() = chain.digestLength;
 }
 
 // runPass replaces the seed by the last value of the pass that begins with it.
 int runPass(const TestConfig& config, Chain& chain, const Buffer& key, int innerCount) {
-  for (std::size_t i = 0; i < kParts; ++i) {
-    std::memcpy(chain.slot(i), chain.seed.data(), chain.seedLength);
-    chain.valueLength(i) = chain.seedLength;
+  const auto seed = chain.seed.bytes().first(chain.seedLength);
+  for (std::size_t part = 0; part < kParts; ++part) {
+    std::ranges::copy(seed, chain.message.bytes().subspan(part * seed.size()).begin());
   }
-  const std::size_t end = kParts + static_cast<std::size_t>(innerCount);
-  for (std::size_t i = kParts; i < end; ++i) {
-    if (computeDigest(config, joinParts(chain, i), chain.slot(i), key,
-                      {.hash = 6329, .hmac = 6331}) < 0) {
+  chain.partLengths.fill(seed.size());
+  for (int step = 0; step < innerCount; ++step) {
+    if (step > 0) slide(chain);
+    if (computeDigest(config, chain.message.bytes().first(messageLength(chain)), chain.value.data(),
+                      key, {.hash = 6329, .hmac = 6331}) < 0) {
       return -1;
     }
-    chain.valueLength(i) = chain.digestLength;
   }
-  std::memcpy(chain.seed.data(), chain.slot(end - 1), chain.digestLength);
+  std::memcpy(chain.seed.data(), chain.value.data(), chain.digestLength);
   chain.seedLength = chain.digestLength;
   return 0;
 }
@@ -115,7 +115,7 @@ int runPasses(const TestConfig& config, TestFiles& files, Chain& chain, const Bu
   return 0;
 }
 
-int runTest(const TestConfig& config, TestFiles& files) {
+int runChainTest(const TestConfig& config, TestFiles& files) {
   Buffer key;
   LoopCounts counts;
   if (readMacKey(config, files, key, {.allocation = 6230, .section = 6232, .value = 6235}) < 0 ||
@@ -123,26 +123,24 @@ int runTest(const TestConfig& config, TestFiles& files) {
       echoSection(files, "[Initial Data for PGMT]", 6259) < 0) {
     return -1;
   }
-  // The seed waits in its line until its length is known.
-  const std::string_view seedText = files.request.readLine(files.line).value_or("");
-  std::array<char, kBitLengthCapacity> bitsLine{};
-  files.line = bitsLine;
+  // The seed is kept as text until its length is known.
+  std::array<char, kLineCapacity> seedLine;
+  const std::size_t seedSize = nextValue(files).copy(seedLine.data(), seedLine.size());
   int bits = 0;
   if (readSeedBits(files, bits) < 0) return -1;
   const HashProperties* const hash = findHash(config.hashId);
   if (hash == nullptr) return -1;
   Chain chain{.digestLength = static_cast<std::size_t>(hash->digestLength)};
-  if (startChain(files, chain, seedText, bits) < 0) return -1;
+  if (startChain(files, chain, {seedLine.data(), seedSize}, bits) < 0) return -1;
   return runPasses(config, files, chain, key, counts);
 }
 
 }  // namespace
 
 int procPGMT(const TestConfig& config, const char* requestPath, const char* responsePath) {
-  std::array<char, kLineCapacity> line{};
-  TestFiles files{.line = line};
-  if (openFiles(files, requestPath, responsePath) < 0) return -1;
-  return closeFiles(files, responsePath, runTest(config, files));
+  TestFiles files{requestPath, responsePath, kLineCapacity};
+  if (openFiles(files) < 0) return -1;
+  return closeFiles(files, runChainTest(config, files));
 }
 
 }  // namespace runner

@@ -21,9 +21,10 @@ namespace runner {
 // only when its length is known and in range.
 //
 // Returns 0, or -1: silently for an unknown hash, after "illegal number of loop!!" for I or O,
-// "illegal length!!" or "unexpected long data!!" for the bit length, otherwise after the number of
-// the failed step.
-int procPGMT(const TestConfig& config, const char* requestPath, const char* responsePath);
+// "illegal length!!" or "unexpected long data!!" for the bit length, after "can't open PATH",
+// "can't read PATH" or "can't write PATH", otherwise after the number of the failed step.
+[[nodiscard]] int procPGMT(const TestConfig& config, const char* requestPath,
+                           const char* responsePath);
 
 }  // namespace runner
 

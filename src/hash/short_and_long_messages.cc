@@ -1,11 +1,9 @@
 #include "hash/short_and_long_messages.h"
 
 #include <algorithm>
-#include <array>
 #include <climits>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <span>
 #include <string_view>
 
@@ -36,7 +34,7 @@ struct MessageTest {
   DigestSites digest;
 };
 
-constexpr MessageTest shortMessageTest{
+constexpr MessageTest kShortMessages{
     .dataKey = "[Data of SMT]",
     .hashKey = "[Hash Value of SMT]",
     .macKey = "[MAC of SMT]",
@@ -48,7 +46,7 @@ constexpr MessageTest shortMessageTest{
     .digest = {.hash = 6038, .hmac = 6040},
 };
 
-constexpr MessageTest longMessageTest{
+constexpr MessageTest kLongMessages{
     .dataKey = "[Data of SLMT]",
     .hashKey = "[Hash Value of SLMT]",
     .macKey = "[MAC of SLMT]",
@@ -68,7 +66,6 @@ struct MessageLengths {
   std::size_t step;
 
   [[nodiscard]] std::size_t at(std::size_t index) const { return first + index * step; }
-  [[nodiscard]] std::size_t longest() const { return at(count - 1); }
 };
 
 struct MessageRun {
@@ -78,7 +75,6 @@ struct MessageRun {
   const HashProperties& hash;
   Buffer results{};
   Buffer key{};
-  Buffer line{};
   Buffer message{};
 };
 
@@ -90,28 +86,18 @@ constexpr std::size_t lineCapacity(std::size_t messageLength) {
   return 2 * messageLength + kLineSlack + 1;
 }
 
-// reserve makes room for `size` bytes; what the buffer held is lost when it grows. It grows with
-// the messages that are really there, in few steps, to `most` bytes at the end: an upper bound that
-// the messages do not keep costs no memory.
-bool reserve(Buffer& buffer, std::size_t size, std::size_t most) {
-  if (size <= buffer.size()) return true;
-  return buffer.allocate(std::min(most, std::max(size, 2 * buffer.size())));
-}
-
 std::span<std::uint8_t> resultSlot(MessageRun& run, std::size_t index) {
   const auto length = static_cast<std::size_t>(run.hash.digestLength);
   return run.results.bytes().subspan(index * length, length);
 }
 
-// echoMessage reads and writes a message of `length` bytes.
-int echoMessage(MessageRun& run, std::size_t length, std::size_t longest) {
-  if (!reserve(run.line, lineCapacity(length), lineCapacity(longest))) {
-    return mallocFailedAt(run.test.lineAllocation);
-  }
-  run.files.line = run.line.text().first(lineCapacity(length));
+// echoMessage reads and writes a message of `length` bytes. The room for it grows with the messages
+// that are really there: an upper bound that they do not keep costs no memory.
+int echoMessage(MessageRun& run, std::size_t length) {
+  if (setLineCapacity(run.files, lineCapacity(length), run.test.lineAllocation) < 0) return -1;
   const std::string_view line = nextValue(run.files);
   if (line.starts_with('[')) return failWith("lack of input message!!");
-  if (!reserve(run.message, length, longest)) return mallocFailedAt(run.test.message.allocation);
+  if (!run.message.grow(length)) return mallocFailedAt(run.test.message.allocation);
   const auto message = run.message.bytes().first(length);
   if (hexToBin(line, message) < 0) return failAt(run.test.message.value);
   writeHex(run.files.response, message);
@@ -128,7 +114,7 @@ int runMessages(MessageRun& run, const MessageLengths& lengths) {
   if (echoSection(run.files, run.test.dataKey, run.test.dataSection) < 0) return -1;
   for (std::size_t index = 0; index < lengths.count; ++index) {
     const std::size_t length = lengths.at(index);
-    if (echoMessage(run, length, lengths.longest()) < 0 ||
+    if (echoMessage(run, length) < 0 ||
         computeDigest(run.config, run.message.bytes().first(length), resultSlot(run, index).data(),
                       run.key, run.test.digest) < 0) {
       return -1;
@@ -166,26 +152,24 @@ int runLongMessages(MessageRun& run) {
   return runMessages(run, {.count = count, .first = count + step, .step = step});
 }
 
-// runMessageTest runs one of the two tests between opening and closing its files.
-int runMessageTest(int (*runTest)(MessageRun&), const MessageTest& test, const TestConfig& config,
-                   const char* requestPath, const char* responsePath) {
-  std::array<char, kParameterCapacity> line{};
-  TestFiles files{.line = line};
-  if (openFiles(files, requestPath, responsePath) < 0) return -1;
-  const HashProperties* const hash = findHash(config.hashId);
-  if (hash == nullptr) return closeFiles(files, responsePath, -1);
-  MessageRun run{.test = test, .config = config, .files = files, .hash = *hash};
-  return closeFiles(files, responsePath, runTest(run));
-}
-
 }  // namespace
 
 int procSMT(const TestConfig& config, const char* requestPath, const char* responsePath) {
-  return runMessageTest(runShortMessages, shortMessageTest, config, requestPath, responsePath);
+  TestFiles files{requestPath, responsePath, kParameterCapacity};
+  if (openFiles(files) < 0) return -1;
+  const HashProperties* const hash = findHash(config.hashId);
+  if (hash == nullptr) return closeFiles(files, -1);
+  MessageRun run{.test = kShortMessages, .config = config, .files = files, .hash = *hash};
+  return closeFiles(files, runShortMessages(run));
 }
 
 int procSLMT(const TestConfig& config, const char* requestPath, const char* responsePath) {
-  return runMessageTest(runLongMessages, longMessageTest, config, requestPath, responsePath);
+  TestFiles files{requestPath, responsePath, kParameterCapacity};
+  if (openFiles(files) < 0) return -1;
+  const HashProperties* const hash = findHash(config.hashId);
+  if (hash == nullptr) return closeFiles(files, -1);
+  MessageRun run{.test = kLongMessages, .config = config, .files = files, .hash = *hash};
+  return closeFiles(files, runLongMessages(run));
 }
 
 }  // namespace runner

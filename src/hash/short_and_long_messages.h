@@ -17,9 +17,11 @@ namespace runner {
 // Each message is written before its digest is computed, the digests only when all are there. A
 // line is read up to 7 characters beyond its digits; what remains of it counts as the next line.
 //
-// Both return 0, or -1: silently for an unknown hash, after "lack of input message!!" when a
-// section line stands where a message should, otherwise after the number of the failed step.
-int procSMT(const TestConfig& config, const char* requestPath, const char* responsePath);
+// Returns 0, or -1: silently for an unknown hash, after "lack of input message!!" when a section
+// line stands where a message should, after "can't open PATH", "can't read PATH" or "can't write
+// PATH", otherwise after the number of the failed step.
+[[nodiscard]] int procSMT(const TestConfig& config, const char* requestPath,
+                          const char* responsePath);
 
 // procSLMT, the selected long message test, reads
 //   [Key]                    2 x keyLength digits (MAC only, not echoed)
@@ -30,8 +32,9 @@ int procSMT(const TestConfig& config, const char* requestPath, const char* respo
 //   [Data of SLMT]           the messages
 //   [Hash Value of SLMT]     the digests (MAC: [MAC of SLMT])
 // in the same way. "illegal bound!!" refuses a U below 1, and one with which the longest line would
-// not fit a 32-bit length.
-int procSLMT(const TestConfig& config, const char* requestPath, const char* responsePath);
+// not fit a 32-bit length. Returns what procSMT returns.
+[[nodiscard]] int procSLMT(const TestConfig& config, const char* requestPath,
+                           const char* responsePath);
 
 }  // namespace runner
 

@@ -1,5 +1,9 @@
 #include "sig/dsa_engine.h"
 
+#include <openssl/err.h>
+
+#include <utility>
+
 #include "sig/openssl_error.h"
 #include "sig/sig_handles.h"
 #include "sig/signature_primitives.h"
@@ -18,7 +22,7 @@ int makeDsaKey_gnutls(OwnedPubKey& keyOut, const DsaKeyValues& values) {
   if (gnutls_pubkey_import_dsa_raw(key.get(), &p, &q, &g, &y) != 0) {
     return failWith("pubkey_import_dsa_raw failed!!");
   }
-  keyOut.reset(toPubKey(key.release()));
+  keyOut = ownPubKey(std::move(key));
   return 0;
 }
 
@@ -36,35 +40,43 @@ int makeDsaKey_openssl(OwnedPubKey& keyOut, const DsaKeyValues& values) {
   (void)g.release();
   if (DSA_set0_key(key.get(), y.get(), nullptr) == 0) return -1;
   (void)y.release();
-  keyOut.reset(toPubKey(key.release()));
+  keyOut = ownPubKey(std::move(key));
   return 0;
 }
 
-int verifyDsa_openssl(const TestConfig& config, PubKey key, std::span<const std::uint8_t> message,
+int verifyDsa_openssl(HashId hashId, PubKey key, std::span<const std::uint8_t> message,
                       std::span<const std::uint8_t> r, std::span<const std::uint8_t> s) {
-  const auto digest = digestMessage(config.hashId, message);
+  const auto digest = digestMessage(hashId, message);
   if (!digest) return -1;
   const Buffer encoding = encodeForVerify(r, s);
   if (encoding.size() == 0) return -1;
-  const int result = DSA_verify(digestNids[hashIndex(config.hashId)], digest->bytes.data(),
-                                static_cast<int>(digest->length), encoding.data(),
-                                static_cast<int>(encoding.size()), asDsa(key));
+  ERR_clear_error();
+  const int result = DSA_verify(digest->nid, digest->bytes.data(), static_cast<int>(digest->length),
+                                encoding.data(), static_cast<int>(encoding.size()), asDsa(key));
   if (result == -1) reportVerifyError("DSA_verify");
   return result == 1 ? kVerified : kNotVerified;
 }
 
 }  // namespace
 
-int makeDsaKey(const CryptEngine& engine, OwnedPubKey& keyOut, const DsaKeyValues& values) {
+int makeDsaKey(CryptEngine engine, OwnedPubKey& keyOut, const DsaKeyValues& values) {
   keyOut.reset();
-  return engine == CryptEngine::GNUTLS ? makeDsaKey_gnutls(keyOut, values)
-                                       : makeDsaKey_openssl(keyOut, values);
+  switch (engine) {
+    case CryptEngine::GNUTLS:
+      return makeDsaKey_gnutls(keyOut, values);
+    default:  // any other engine is OpenSSL here
+      return makeDsaKey_openssl(keyOut, values);
+  }
 }
 
 int verifyDsa(const TestConfig& config, PubKey key, std::span<const std::uint8_t> message,
               std::span<const std::uint8_t> r, std::span<const std::uint8_t> s) {
-  return config.engine == CryptEngine::GNUTLS ? verifyPairGnutls(config, key, message, r, s)
-                                              : verifyDsa_openssl(config, key, message, r, s);
+  switch (config.engine) {
+    case CryptEngine::GNUTLS:
+      return verifyPair_gnutls(config, key, message, r, s);
+    default:  // any other engine is OpenSSL here
+      return verifyDsa_openssl(config.hashId, key, message, r, s);
+  }
 }
 
 }  // namespace runner

@@ -1,7 +1,5 @@
 #include "sig/dsa_verification.h"
 
-#include <array>
-
 #include "sig/dsa_engine.h"
 #include "sig/key_records.h"
 #include "sig/pubkey.h"
@@ -9,23 +7,18 @@
 #include "text/diagnostics.h"
 #include "text/record_list.h"
 #include "text/sections.h"
+#include "text/test_files.h"
 #include "text/text_helpers.h"
 
 namespace runner {
 namespace {
 
-constexpr KeyList kKeys{.section = "[Public Keys]",
-                        .complaint = "lack of public key!!",
-                        .sectionSite = 4205,
-                        .sites = {.allocation = 4223, .value = 4224}};
-constexpr KeyList kMessages{.section = "[Plaintexts]",
-                            .complaint = "lack of planetext!!",
-                            .sectionSite = 4231,
-                            .sites = {.allocation = 4243, .value = 4244}};
-constexpr KeyList kSignatures{.section = "[Signatures]",
-                              .complaint = "lack of signature!!",
-                              .sectionSite = 4253,
-                              .sites = {.allocation = 4268, .value = 4269}};
+constexpr RecordSites kRecordSites{.messageBits = 4178,
+                                   .count = 4192,
+                                   .record = 4216,
+                                   .keys = {.section = 4205, .line = {4223, 4224}},
+                                   .messages = {.section = 4231, .line = {4243, 4244}},
+                                   .signatures = {.section = 4253, .line = {4268, 4269}}};
 
 struct DsaRequest {
   Buffer p;
@@ -40,51 +33,36 @@ int readParameter(TestFiles& files, int bits, Buffer& value) {
 }
 
 int readDomainParameters(TestFiles& files, DsaRequest& request) {
-  int pBits = 0;
-  int qBits = 0;
   if (echoSection(files, "[Bitlength of p]", 4145) < 0) return -1;
-  echoDecimal(files, pBits);
+  const int pBits = echoDecimal(files);
   if (echoSection(files, "[Bitlength of q]", 4154) < 0) return -1;
-  echoDecimal(files, qBits);
+  const int qBits = echoDecimal(files);
   if (echoSection(files, "[PQG]", 4164) < 0) return -1;
   if (readParameter(files, pBits, request.p) < 0) return -1;
   if (readParameter(files, qBits, request.q) < 0) return -1;
   return readParameter(files, pBits, request.g);
 }
 
-int readRequest(const TestConfig& config, TestFiles& files, DsaRequest& request) {
-  int bits = 0;
-  int count = 0;
-  if (readDomainParameters(files, request) < 0) return -1;
-  writeHashName(files.response, config.hashId);
-  if (echoSection(files, "[Bitlength of Plaintexts]", 4178) < 0) return -1;
-  if (echoPositive(files, bits, nullptr) < 0) return -1;
-  if (echoSection(files, "[Number of Plaintexts]", 4192) < 0) return -1;
-  if (echoPositive(files, count, nullptr) < 0) return -1;
-  if (readKeys(files, kKeys, 4216, count, request.records) < 0) return -1;
-  if (readMessages(files, kMessages, bytesForBits(bits), request.records) < 0) return -1;
-  return readSignatures(files, kSignatures, request.records);
-}
-
-int verifyRecord(const TestConfig& config, const DsaRequest& request, const KeyRecord& record) {
-  OwnedPubKey key(nullptr, PubKeyDeleter(config));
+Verdict verifyRecord(const TestConfig& config, const DsaRequest& request, const KeyRecord& record) {
+  OwnedPubKey key;
   const DsaKeyValues values{.p = request.p.bytes(),
                             .q = request.q.bytes(),
                             .g = request.g.bytes(),
                             .y = record.key.bytes()};
-  if (makeDsaKey(config.engine, key, values) < 0) return failAt(4281);
+  if (makeDsaKey(config.engine, key, values) < 0) return verdictOf(failAt(4281));
   const SignatureHalves halves = splitSignature(record);
-  return verifyDsa(config, key.get(), record.message.bytes(), halves.r, halves.s);
+  return verdictOf(verifyDsa(config, key.get(), record.message.bytes(), halves.r, halves.s));
 }
 
-int runTest(const TestConfig& config, TestFiles& files) {
+int verifySignatures(const TestConfig& config, TestFiles& files) {
   DsaRequest request;
-  if (readRequest(config, files, request) < 0) return -1;
+  if (readDomainParameters(files, request) < 0) return -1;
+  if (readRecords(files, config.hashId, kRecordSites, request.records) < 0) return -1;
   writeLine(files.response, "[Results]");
   for (const KeyRecord& record : request.records) {
-    const int result = verifyRecord(config, request, record);
-    if (result < 0) return -1;
-    writeDecimal(files.response, result);
+    const Verdict verdict = verifyRecord(config, request, record);
+    if (verdict == Verdict::STOP) return -1;
+    writeResultNumber(files, verdict);
   }
   return 0;
 }
@@ -92,10 +70,9 @@ int runTest(const TestConfig& config, TestFiles& files) {
 }  // namespace
 
 int procVerifyDsa(const TestConfig& config, const char* requestPath, const char* responsePath) {
-  std::array<char, kKeyLineCapacity> line{};
-  TestFiles files{.line = line};
-  if (openFiles(files, requestPath, responsePath) < 0) return -1;
-  return closeFiles(files, responsePath, runTest(config, files));
+  TestFiles files{requestPath, responsePath, kKeyLineCapacity};
+  if (openFiles(files) < 0) return -1;
+  return closeFiles(files, verifySignatures(config, files));
 }
 
 }  // namespace runner

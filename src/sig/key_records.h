@@ -4,7 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
+#include "driver/test_config.h"
+#include "sig/pubkey.h"
 #include "text/buffer.h"
 #include "text/record_list.h"
 #include "text/sections.h"
@@ -12,7 +15,9 @@
 
 // The records of a signature verification test. A request gives them in three lists of one line a
 // record: the keys, from which the records are made, then the messages and the signatures, in the
-// order that the test has them. A list is a section with as many lines as were announced.
+// order that the test has them. A list is a section with as many lines as were announced. A step
+// that can fail returns 0, or -1 when the test cannot go on, after the line that belongs to the
+// failure.
 
 namespace runner {
 
@@ -28,27 +33,59 @@ struct KeyRecord {
   Buffer message;
 };
 
-// KeyList describes one of the lists.
-struct KeyList {
-  const char* section;    // its key
-  const char* complaint;  // printed when lines are missing; null: a missing line is an empty one
-  int sectionSite;        // the section is missing
-  ValueSites sites;       // of each line
+// The failure numbers of a list.
+struct ListSites {
+  int section;      // the section is missing
+  ValueSites line;  // of each line
 };
 
+// ListSection is a list of a request.
+struct ListSection {
+  std::string_view key;
+  const char* complaint;  // printed when lines are missing; null: a missing line is an empty one
+  ListSites sites;
+};
+
+// The failure numbers of readRecords.
+struct RecordSites {
+  int messageBits;  // the section is missing
+  int count;        // the section is missing
+  int record;       // the allocation of a record
+  ListSites keys;
+  ListSites messages;
+  ListSites signatures;
+};
+
+// writeHashName writes the section "[Hash]" with the name of the hash; "unknown(%d)" with the
+// number when there is no such hash.
+void writeHashName(TextWriter& stream, HashId hashId);
+
+// echoCount finds the section `key`, writes the key, and reads and writes a decimal number, which
+// it stores in `count`. A number below 1 is not written and fails in silence.
+[[nodiscard]] int echoCount(TestFiles& files, std::string_view key, int& count, int site);
+
 // readKeys finds the section, writes its key, and reads `count` lines of hexadecimal text, each as
-// long as its digits say. It appends a record for each to `records` and writes the bytes. Returns
-// 0, or -1 after the line that belongs to the failure; `recordSite` is the allocation of a record.
-int readKeys(TestFiles& files, const KeyList& list, int recordSite, int count,
-             RecordList<KeyRecord>& records);
+// long as its digits say. It appends a record for each to `records` and writes the bytes;
+// `recordSite` is the allocation of a record.
+[[nodiscard]] int readKeys(TestFiles& files, const ListSection& list, int recordSite, int count,
+                           RecordList<KeyRecord>& records);
 
 // readMessages reads and writes the message of each record in the same way, all of `length` bytes.
-int readMessages(TestFiles& files, const KeyList& list, std::size_t length,
-                 RecordList<KeyRecord>& records);
+[[nodiscard]] int readMessages(TestFiles& files, const ListSection& list, std::size_t length,
+                               RecordList<KeyRecord>& records);
 
 // readSignatures reads and writes the signature of each record in the same way, each as long as its
 // digits say.
-int readSignatures(TestFiles& files, const KeyList& list, RecordList<KeyRecord>& records);
+[[nodiscard]] int readSignatures(TestFiles& files, const ListSection& list,
+                                 RecordList<KeyRecord>& records);
+
+// readRecords reads and writes what follows the domain parameters in a request for DSA or ECDSA:
+//   [Hash]                     written only
+//   [Bitlength of Plaintexts]  at least 1
+//   [Number of Plaintexts]     at least 1
+//   [Public Keys], [Plaintexts] and [Signatures]
+[[nodiscard]] int readRecords(TestFiles& files, HashId hashId, const RecordSites& sites,
+                              RecordList<KeyRecord>& records);
 
 // SignatureHalves are the two integers of a DSA or ECDSA signature.
 struct SignatureHalves {
@@ -59,6 +96,9 @@ struct SignatureHalves {
 // splitSignature returns the halves of the record's signature, which keeps owning them. The last
 // byte of an odd number of bytes belongs to neither.
 SignatureHalves splitSignature(const KeyRecord& record);
+
+// writeResultNumber writes the result line of a record, 0 for PASS and 1 for FAIL.
+void writeResultNumber(TestFiles& files, Verdict verdict);
 
 }  // namespace runner
 

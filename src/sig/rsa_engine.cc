@@ -1,6 +1,7 @@
 #include "sig/rsa_engine.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "sig/sig_handles.h"
 #include "sig/signature_primitives.h"
@@ -19,7 +20,7 @@ int makeRsaKey_gnutls(OwnedPubKey& keyOut, std::span<const std::uint8_t> modulus
     std::printf("pubkey_import_rsa_raw failed!! ret:%d\n", result);
     return -1;
   }
-  keyOut.reset(toPubKey(key.release()));
+  keyOut = ownPubKey(std::move(key));
   return 0;
 }
 
@@ -33,7 +34,7 @@ int makeRsaKey_openssl(OwnedPubKey& keyOut, std::span<const std::uint8_t> modulu
   if (RSA_set0_key(key.get(), n.get(), e.get(), nullptr) == 0) return -1;
   (void)n.release();
   (void)e.release();
-  keyOut.reset(toPubKey(key.release()));
+  keyOut = ownPubKey(std::move(key));
   return 0;
 }
 
@@ -41,26 +42,33 @@ int verifyRsa_openssl(HashId hashId, PubKey key, std::span<const std::uint8_t> m
                       std::span<const std::uint8_t> signature) {
   const auto digest = digestMessage(hashId, message);
   if (!digest) return -1;
-  const int result = RSA_verify(digestNids[hashIndex(hashId)], digest->bytes.data(),
-                                static_cast<unsigned>(digest->length), signature.data(),
-                                static_cast<unsigned>(signature.size()), asRsa(key));
+  const int result =
+      RSA_verify(digest->nid, digest->bytes.data(), static_cast<unsigned>(digest->length),
+                 signature.data(), static_cast<unsigned>(signature.size()), asRsa(key));
   return result != 0 ? kVerified : kNotVerified;
 }
 
 }  // namespace
 
-int makeRsaKey(const CryptEngine& engine, OwnedPubKey& keyOut,
-               std::span<const std::uint8_t> modulus, std::span<const std::uint8_t> exponent) {
+int makeRsaKey(CryptEngine engine, OwnedPubKey& keyOut, std::span<const std::uint8_t> modulus,
+               std::span<const std::uint8_t> exponent) {
   keyOut.reset();
-  return engine == CryptEngine::GNUTLS ? makeRsaKey_gnutls(keyOut, modulus, exponent)
-                                       : makeRsaKey_openssl(keyOut, modulus, exponent);
+  switch (engine) {
+    case CryptEngine::GNUTLS:
+      return makeRsaKey_gnutls(keyOut, modulus, exponent);
+    default:  // any other engine is OpenSSL here
+      return makeRsaKey_openssl(keyOut, modulus, exponent);
+  }
 }
 
 int verifyRsa(const TestConfig& config, PubKey key, std::span<const std::uint8_t> message,
               std::span<const std::uint8_t> signature) {
-  return config.engine == CryptEngine::GNUTLS
-             ? verifyGnutls(config, key, message, signature)
-             : verifyRsa_openssl(config.hashId, key, message, signature);
+  switch (config.engine) {
+    case CryptEngine::GNUTLS:
+      return verify_gnutls(config, key, message, signature);
+    default:  // any other engine is OpenSSL here
+      return verifyRsa_openssl(config.hashId, key, message, signature);
+  }
 }
 
 }  // namespace runner

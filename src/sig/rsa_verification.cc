@@ -1,7 +1,5 @@
 #include "sig/rsa_verification.h"
 
-#include <array>
-
 #include "sig/key_records.h"
 #include "sig/pubkey.h"
 #include "sig/rsa_engine.h"
@@ -9,24 +7,20 @@
 #include "text/diagnostics.h"
 #include "text/record_list.h"
 #include "text/sections.h"
+#include "text/test_files.h"
 #include "text/text_helpers.h"
 
 namespace runner {
 namespace {
 
-constexpr KeyList kExponents{.section = "[e]",
-                             .complaint = "lack of exp!!",
-                             .sectionSite = 5589,
-                             .sites = {.allocation = 5607, .value = 5608}};
-constexpr KeyList kSignatures{.section = "[Signatures]",
-                              .complaint = "lack of signature!!",
-                              .sectionSite = 5615,
-                              .sites = {.allocation = 5630, .value = 5631}};
+constexpr ListSection kExponents{
+    .key = "[e]", .complaint = "lack of exp!!", .sites = {.section = 5589, .line = {5607, 5608}}};
+constexpr ListSection kSignatures{.key = "[Signatures]",
+                                  .complaint = "lack of signature!!",
+                                  .sites = {.section = 5615, .line = {5630, 5631}}};
 // A message that is missing is one that does not convert.
-constexpr KeyList kMessages{.section = "[Plaintexts]",
-                            .complaint = nullptr,
-                            .sectionSite = 5654,
-                            .sites = {.allocation = 5666, .value = 5667}};
+constexpr ListSection kMessages{
+    .key = "[Plaintexts]", .complaint = nullptr, .sites = {.section = 5654, .line = {5666, 5667}}};
 
 struct RsaRequest {
   Buffer modulus;
@@ -34,9 +28,8 @@ struct RsaRequest {
 };
 
 int readModulus(const TestConfig& config, TestFiles& files, Buffer& modulus) {
-  int bits = 0;
   if (echoSection(files, "[Bitlength of Modulus]", 5551) < 0) return -1;
-  echoDecimal(files, bits);
+  const int bits = echoDecimal(files);
   if (!modulus.allocate(bytesForBits(bits))) return mallocFailedAt(5561);
   writeHashName(files.response, config.hashId);
   return echoHexSection(files, "[n]", modulus.bytes(), {.section = 5567, .value = 5571});
@@ -46,29 +39,29 @@ int readRequest(const TestConfig& config, TestFiles& files, RsaRequest& request)
   int count = 0;
   int bits = 0;
   if (readModulus(config, files, request.modulus) < 0) return -1;
-  if (echoSection(files, "[Number of Signatures]", 5576) < 0) return -1;
-  if (echoPositive(files, count, nullptr) < 0) return -1;
+  if (echoCount(files, "[Number of Signatures]", count, 5576) < 0) return -1;
   if (readKeys(files, kExponents, 5600, count, request.records) < 0) return -1;
   if (readSignatures(files, kSignatures, request.records) < 0) return -1;
-  if (echoSection(files, "[Bitlength of Plaintexts]", 5640) < 0) return -1;
-  if (echoPositive(files, bits, nullptr) < 0) return -1;
+  if (echoCount(files, "[Bitlength of Plaintexts]", bits, 5640) < 0) return -1;
   return readMessages(files, kMessages, bytesForBits(bits), request.records);
 }
 
-int verifyRecord(const TestConfig& config, const Buffer& modulus, const KeyRecord& record) {
-  OwnedPubKey key(nullptr, PubKeyDeleter(config));
-  if (makeRsaKey(config.engine, key, modulus.bytes(), record.key.bytes()) < 0) return failAt(5682);
-  return verifyRsa(config, key.get(), record.message.bytes(), record.signature.bytes());
+Verdict verifyRecord(const TestConfig& config, const Buffer& modulus, const KeyRecord& record) {
+  OwnedPubKey key;
+  if (makeRsaKey(config.engine, key, modulus.bytes(), record.key.bytes()) < 0) {
+    return verdictOf(failAt(5682));
+  }
+  return verdictOf(verifyRsa(config, key.get(), record.message.bytes(), record.signature.bytes()));
 }
 
-int runTest(const TestConfig& config, TestFiles& files) {
+int verifySignatures(const TestConfig& config, TestFiles& files) {
   RsaRequest request;
   if (readRequest(config, files, request) < 0) return -1;
   writeLine(files.response, "[Results]");
   for (const KeyRecord& record : request.records) {
-    const int result = verifyRecord(config, request.modulus, record);
-    if (result < 0) return -1;
-    writeDecimal(files.response, result);
+    const Verdict verdict = verifyRecord(config, request.modulus, record);
+    if (verdict == Verdict::STOP) return -1;
+    writeResultNumber(files, verdict);
   }
   return 0;
 }
@@ -76,10 +69,9 @@ int runTest(const TestConfig& config, TestFiles& files) {
 }  // namespace
 
 int procVerifyRsa(const TestConfig& config, const char* requestPath, const char* responsePath) {
-  std::array<char, kKeyLineCapacity> line{};
-  TestFiles files{.line = line};
-  if (openFiles(files, requestPath, responsePath) < 0) return -1;
-  return closeFiles(files, responsePath, runTest(config, files));
+  TestFiles files{requestPath, responsePath, kKeyLineCapacity};
+  if (openFiles(files) < 0) return -1;
+  return closeFiles(files, verifySignatures(config, files));
 }
 
 }  // namespace runner

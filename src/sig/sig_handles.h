@@ -9,44 +9,42 @@
 #include <openssl/rsa.h>
 
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <type_traits>
 
+#include "driver/test_config.h"
 #include "sig/pubkey.h"
 #include "text/diagnostics.h"
+#include "text/owner.h"
 
 // The engines' keys and numbers, owned, and what a PubKey stands for. For the adapters only.
 
 namespace runner {
 
-struct GnutlsKeyDeleter {
-  void operator()(gnutls_pubkey_t key) const noexcept { gnutls_pubkey_deinit(key); }
-};
-using GnutlsKey = std::unique_ptr<std::remove_pointer_t<gnutls_pubkey_t>, GnutlsKeyDeleter>;
+using GnutlsKey = Owner<std::remove_pointer_t<gnutls_pubkey_t>, gnutls_pubkey_deinit>;
+using BigNumber = Owner<BIGNUM, BN_free>;
+using DsaKey = Owner<DSA, DSA_free>;
+using EcKey = Owner<EC_KEY, EC_KEY_free>;
+using RsaKey = Owner<RSA, RSA_free>;
 
-struct BigNumberDeleter {
-  void operator()(BIGNUM* number) const noexcept { BN_free(number); }
-};
-using BigNumber = std::unique_ptr<BIGNUM, BigNumberDeleter>;
+// ownPubKey hands a key over to an owner that knows its kind.
+inline OwnedPubKey ownPubKey(GnutlsKey key) {
+  return {reinterpret_cast<PubKey>(key.release()), PubKeyDeleter{.engine = CryptEngine::GNUTLS}};
+}
+inline OwnedPubKey ownPubKey(DsaKey key) {
+  return {reinterpret_cast<PubKey>(key.release()),
+          PubKeyDeleter{ModeId::DSA, CryptEngine::OPENSSL}};
+}
+inline OwnedPubKey ownPubKey(EcKey key) {
+  return {reinterpret_cast<PubKey>(key.release()),
+          PubKeyDeleter{ModeId::ECDSA, CryptEngine::OPENSSL}};
+}
+inline OwnedPubKey ownPubKey(RsaKey key) {
+  return {reinterpret_cast<PubKey>(key.release()),
+          PubKeyDeleter{ModeId::RSASSA, CryptEngine::OPENSSL}};
+}
 
-struct DsaDeleter {
-  void operator()(DSA* key) const noexcept { DSA_free(key); }
-};
-using DsaKey = std::unique_ptr<DSA, DsaDeleter>;
-
-struct RsaDeleter {
-  void operator()(RSA* key) const noexcept { RSA_free(key); }
-};
-using RsaKey = std::unique_ptr<RSA, RsaDeleter>;
-
-// toPubKey makes the handle of a key that its owner has released.
-inline PubKey toPubKey(gnutls_pubkey_t key) { return reinterpret_cast<PubKey>(key); }
-inline PubKey toPubKey(DSA* key) { return reinterpret_cast<PubKey>(key); }
-inline PubKey toPubKey(EC_KEY* key) { return reinterpret_cast<PubKey>(key); }
-inline PubKey toPubKey(RSA* key) { return reinterpret_cast<PubKey>(key); }
-
-// asGnutlsKey, asDsa, asEcKey and asRsa see a handle as what the run's engine and mode say it is.
+// asGnutlsKey, asDsa, asEcKey and asRsa see a handle as what its owner knows that it is.
 inline gnutls_pubkey_t asGnutlsKey(PubKey key) { return reinterpret_cast<gnutls_pubkey_t>(key); }
 inline DSA* asDsa(PubKey key) { return reinterpret_cast<DSA*>(key); }
 inline EC_KEY* asEcKey(PubKey key) { return reinterpret_cast<EC_KEY*>(key); }

@@ -1,5 +1,8 @@
 #include "sig/signature_primitives.h"
 
+#include <gnutls/gnutls.h>
+#include <openssl/obj_mac.h>
+
 #include <algorithm>
 
 #include "hash/digest_engine.h"
@@ -8,6 +11,24 @@
 
 namespace runner {
 namespace {
+
+// What the engines call a hash, and the signatures with it.
+struct SignatureHash {
+  int nid;  // OpenSSL's number
+  gnutls_sign_algorithm_t rsa;
+  gnutls_sign_algorithm_t dsa;
+  gnutls_sign_algorithm_t ecdsa;
+};
+
+// By hashIndex.
+constexpr std::array<SignatureHash, kHashTable.size()> kSignatureHashes{{
+    {NID_sha1, GNUTLS_SIGN_RSA_SHA1, GNUTLS_SIGN_DSA_SHA1, GNUTLS_SIGN_ECDSA_SHA1},
+    {NID_sha224, GNUTLS_SIGN_RSA_SHA224, GNUTLS_SIGN_DSA_SHA224, GNUTLS_SIGN_ECDSA_SHA224},
+    {NID_sha256, GNUTLS_SIGN_RSA_SHA256, GNUTLS_SIGN_DSA_SHA256, GNUTLS_SIGN_ECDSA_SHA256},
+    {NID_sha384, GNUTLS_SIGN_RSA_SHA384, GNUTLS_SIGN_DSA_SHA384, GNUTLS_SIGN_ECDSA_SHA384},
+    {NID_sha512, GNUTLS_SIGN_RSA_SHA512, GNUTLS_SIGN_DSA_SHA512, GNUTLS_SIGN_ECDSA_SHA512},
+}};
+static_assert(kSignatureHashes.back().nid != NID_undef, "a row for each hash");
 
 constexpr std::size_t kMaxIntegerLength = 127;
 constexpr std::size_t kMaxShortContent = 127;
@@ -45,10 +66,17 @@ std::span<std::uint8_t> putHeader(std::span<std::uint8_t> out, std::size_t conte
 // gnutlsSignId returns the signature algorithm of the run, GNUTLS_SIGN_UNKNOWN when there is none.
 gnutls_sign_algorithm_t gnutlsSignId(const TestConfig& config) {
   if (!isHash(config.hashId)) return GNUTLS_SIGN_UNKNOWN;
-  for (const GnutlsSignRow& row : gnutlsSignIds) {
-    if (row.mode == config.mode) return row.ids[hashIndex(config.hashId)];
+  const SignatureHash& hash = kSignatureHashes[hashIndex(config.hashId)];
+  switch (config.mode) {
+    case ModeId::RSASSA:
+      return hash.rsa;
+    case ModeId::DSA:
+      return hash.dsa;
+    case ModeId::ECDSA:
+      return hash.ecdsa;
+    default:
+      return GNUTLS_SIGN_UNKNOWN;
   }
-  return GNUTLS_SIGN_UNKNOWN;
 }
 
 int verifyWith(gnutls_sign_algorithm_t algorithm, PubKey key, std::span<const std::uint8_t> message,
@@ -67,6 +95,7 @@ std::optional<MessageDigest> digestMessage(HashId hashId, std::span<const std::u
   if (hash == nullptr) return std::nullopt;
   std::optional<MessageDigest> digest(std::in_place);
   digest->length = static_cast<std::size_t>(hash->digestLength);
+  digest->nid = kSignatureHashes[hashIndex(hashId)].nid;
   const int result = calcHash(hashId, CryptEngine::OPENSSL, message.data(),
                               static_cast<int>(message.size()), digest->bytes.data());
   if (result < 0) return std::nullopt;
@@ -95,15 +124,15 @@ Buffer encodeForVerify(std::span<const std::uint8_t> r, std::span<const std::uin
   return encoding;
 }
 
-int verifyGnutls(const TestConfig& config, PubKey key, std::span<const std::uint8_t> message,
-                 std::span<const std::uint8_t> signature) {
+int verify_gnutls(const TestConfig& config, PubKey key, std::span<const std::uint8_t> message,
+                  std::span<const std::uint8_t> signature) {
   const gnutls_sign_algorithm_t algorithm = gnutlsSignId(config);
   if (algorithm == GNUTLS_SIGN_UNKNOWN) return -1;
   return verifyWith(algorithm, key, message, signature);
 }
 
-int verifyPairGnutls(const TestConfig& config, PubKey key, std::span<const std::uint8_t> message,
-                     std::span<const std::uint8_t> r, std::span<const std::uint8_t> s) {
+int verifyPair_gnutls(const TestConfig& config, PubKey key, std::span<const std::uint8_t> message,
+                      std::span<const std::uint8_t> r, std::span<const std::uint8_t> s) {
   const gnutls_sign_algorithm_t algorithm = gnutlsSignId(config);
   if (algorithm == GNUTLS_SIGN_UNKNOWN) return -1;
   const Buffer encoding = encodeForVerify(r, s);

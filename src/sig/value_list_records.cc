@@ -11,19 +11,13 @@
 namespace runner {
 namespace {
 
-constexpr std::size_t kLineCapacity = 128;
 constexpr std::size_t kNumberCapacity = 128;
 
-void writeNamedValue(TestFiles& files, const char* name, std::span<const std::uint8_t> value) {
-  writeText(files.response, name);
-  writeLowerHex(files.response, value);
-}
+}  // namespace
 
-// findGroup copies lines up to and including the next one that contains all `marks`. Returns false
-// at the end of the file.
 bool findGroup(TestFiles& files, std::span<const char* const> marks) {
-  std::array<char, kLineCapacity> buffer;
-  while (const auto line = files.request.viewLine(buffer)) {
+  files.lineCapacity = kValueListLineCapacity;
+  while (const auto line = nextLine(files)) {
     if (line->starts_with('#')) continue;
     writeText(files.response, *line);
     const auto isInLine = [&line](const char* mark) {
@@ -34,31 +28,19 @@ bool findGroup(TestFiles& files, std::span<const char* const> marks) {
   return false;
 }
 
-}  // namespace
-
-int testGroups(const TestConfig& config, TestFiles& files, std::span<const char* const> marks,
-               int (*testGroup)(const TestConfig&, TestFiles&)) {
-  int result = -1;
-  while (findGroup(files, marks)) {
-    result = testGroup(config, files);
-    if (result < 0) break;
-  }
-  return result;
-}
-
-int findRecord(TestFiles& files, int expected, int count) {
+RecordSearch findRecord(TestFiles& files, int expected, int count) {
   // No record number equals a count below 1: such a group goes on to the end of the file.
-  if (expected > 0 && expected == count) return 0;
+  if (expected > 0 && expected == count) return RecordSearch::ENDED;
   std::array<char, kNumberCapacity> number{};
   while (const auto line = nextLine(files)) {
     if (line->starts_with('#')) continue;
     writeText(files.response, *line);
     if (getStr(*line, "COUNT = ?", number) == 0) continue;
-    if (decimal(number.data()) == expected) return 1;
+    if (decimal(number.data()) == expected) return RecordSearch::FOUND;
     std::printf("[ERR]count %d is not found!!\n", expected);
-    return -1;
+    return RecordSearch::WRONG;
   }
-  return 0;
+  return RecordSearch::ENDED;
 }
 
 std::optional<std::string_view> nextNamedValue(TestFiles& files, const char* name, int site) {
@@ -75,7 +57,27 @@ std::optional<std::string_view> nextNamedValue(TestFiles& files, const char* nam
   return line->substr(std::string_view(name).size());
 }
 
-int echoMessage(TestFiles& files, std::span<std::uint8_t> message, NamedValueSites sites) {
+int allocateValues(std::initializer_list<NamedValue*> values) {
+  for (NamedValue* const value : values) {
+    if (!value->storage.allocate(sizeOf(value->expected))) return mallocFailedAt(value->allocation);
+  }
+  return 0;
+}
+
+int storeDigits(NamedValue& value, std::string_view digits, int site) {
+  value.length = measureHex(digits);
+  if (value.length > value.storage.size() && !value.storage.allocate(value.length)) {
+    return mallocFailedAt(value.allocation);
+  }
+  return hexToBin(digits, value.storage.bytes().first(value.length)) < 0 ? failAt(site) : 0;
+}
+
+void writeNamedValue(TestFiles& files, const char* name, std::span<const std::uint8_t> value) {
+  writeText(files.response, name);
+  writeLowerHex(files.response, value);
+}
+
+int copyMessage(TestFiles& files, std::span<std::uint8_t> message, NamedValueSites sites) {
   const auto digits = nextNamedValue(files, "Msg = ", sites.line);
   if (!digits) return -1;
   if (hexToBin(*digits, message) < 0) return failAt(sites.value);
@@ -83,36 +85,17 @@ int echoMessage(TestFiles& files, std::span<std::uint8_t> message, NamedValueSit
   return 0;
 }
 
-int allocateValues(std::initializer_list<RecordValue*> values) {
-  for (RecordValue* const value : values) {
-    if (!value->storage.allocate(bufferSize(value->expected)))
-      return mallocFailedAt(value->allocation);
-  }
-  return 0;
-}
-
-int echoValue(TestFiles& files, RecordValue& value, std::string_view digits, int site) {
-  value.length = measureHex(digits);
-  if (value.length > value.storage.size() && !value.storage.allocate(value.length)) {
-    return mallocFailedAt(value.allocation);
-  }
-  const auto bytes = value.storage.bytes().first(value.length);
-  if (hexToBin(digits, bytes) < 0) return failAt(site);
-  writeNamedValue(files, value.name, bytes);
-  return 0;
-}
-
-int echoValues(TestFiles& files, std::initializer_list<RecordValue*> values,
-               NamedValueSites sites) {
-  for (RecordValue* const value : values) {
+int copyValues(TestFiles& files, std::initializer_list<NamedValue*> values, NamedValueSites sites) {
+  for (NamedValue* const value : values) {
     const auto digits = nextNamedValue(files, value->name, sites.line);
-    if (!digits || echoValue(files, *value, *digits, sites.value) < 0) return -1;
+    if (!digits || storeDigits(*value, *digits, sites.value) < 0) return -1;
+    writeNamedValue(files, value->name, value->bytes());
   }
   return 0;
 }
 
-void writeVerdict(TestFiles& files, int result) {
-  writeLine(files.response, result == 0 ? "Result = P" : "Result = F");
+void writeResultLetter(TestFiles& files, Verdict verdict) {
+  writeLine(files.response, verdict == Verdict::PASS ? "Result = P" : "Result = F");
 }
 
 }  // namespace runner

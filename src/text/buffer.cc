@@ -9,7 +9,6 @@
 namespace runner {
 namespace {
 
-constexpr std::size_t kAlignment = 8;
 constexpr std::size_t kLargeSize = std::size_t{4} << 20;
 
 // preferHugePages asks the kernel for huge pages behind a large area that is about to be filled:
@@ -25,6 +24,7 @@ void preferHugePages(void* memory, std::size_t size) {
 }  // namespace
 
 void* allocateZeroed(std::size_t size) {
+  if (size > SIZE_MAX - kAlignment) return nullptr;
   // aligned_alloc wants a multiple of the alignment.
   const std::size_t blocks = std::max<std::size_t>(1, (size + kAlignment - 1) / kAlignment);
   void* const memory = std::aligned_alloc(kAlignment, blocks * kAlignment);
@@ -34,11 +34,12 @@ void* allocateZeroed(std::size_t size) {
 }
 
 bool Buffer::allocate(std::size_t size) {
-  // What is held goes first, so that a Buffer never needs room for two areas.
   bytes_.reset();
   bytes_.reset(static_cast<std::uint8_t*>(allocateZeroed(size)));
   size_ = bytes_ ? size : 0;
   return bytes_ != nullptr;
 }
+
+bool Buffer::grow(std::size_t size) { return size <= size_ || allocate(std::max(size, 2 * size_)); }
 
 }  // namespace runner

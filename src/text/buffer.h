@@ -4,27 +4,37 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
 #include <span>
+
+#include "text/owner.h"
 
 namespace runner {
 
-// allocateZeroed returns `size` zero bytes from the aligned allocator, aligned to 8 bytes, or null
-// when there is no memory. A size of 0 yields a valid pointer too, because GnuTLS does not check
-// its data pointers. The caller releases the bytes with std::free.
+// What allocateZeroed aligns to, in bytes.
+inline constexpr std::size_t kAlignment = 8;
+
+// allocateZeroed returns `size` zero bytes from the aligned allocator, or null when there is no
+// memory. A size of 0 yields a valid pointer too, because GnuTLS does not check its data pointers.
+// The caller releases the bytes with std::free.
 [[nodiscard]] void* allocateZeroed(std::size_t size);
 
-struct FreeDeleter {
-  void operator()(void* memory) const noexcept { std::free(memory); }
-};
+// sizeOf returns a length of the interfaces as the size of a buffer: 0 for a negative one.
+constexpr std::size_t sizeOf(int length) {
+  return length < 0 ? 0 : static_cast<std::size_t>(length);
+}
 
 // Buffer owns a zero-filled byte area whose size is fixed when it is allocated. An unallocated
 // Buffer is empty and its data pointer is null.
 class Buffer {
  public:
-  // allocate replaces the contents by `size` zero bytes. Returns false, with the Buffer empty, when
-  // there is no memory.
+  // allocate replaces the contents by `size` zero bytes. What is held is released first, so that a
+  // Buffer never needs room for two areas. Returns false, with the Buffer empty, when there is no
+  // memory.
   [[nodiscard]] bool allocate(std::size_t size);
+
+  // grow makes room for at least `size` bytes; when it grows, what is held is lost and the size at
+  // least doubles, so that growing step by step costs little. Returns false as allocate does.
+  [[nodiscard]] bool grow(std::size_t size);
 
   [[nodiscard]] std::uint8_t* data() { return bytes_.get(); }
   [[nodiscard]] const std::uint8_t* data() const { return bytes_.get(); }
@@ -33,11 +43,11 @@ class Buffer {
   [[nodiscard]] std::span<std::uint8_t> bytes() { return {bytes_.get(), size_}; }
   [[nodiscard]] std::span<const std::uint8_t> bytes() const { return {bytes_.get(), size_}; }
 
-  // text is the same area seen as characters, for reading lines into it.
+  // text is the same area seen as characters.
   [[nodiscard]] std::span<char> text() { return {reinterpret_cast<char*>(bytes_.get()), size_}; }
 
  private:
-  std::unique_ptr<std::uint8_t[], FreeDeleter> bytes_;
+  Owner<std::uint8_t, std::free> bytes_;
   std::size_t size_ = 0;
 };
 

@@ -24,6 +24,16 @@ int failOpening(const char* path) {
   return -1;
 }
 
+int failReading(const char* path) {
+  std::printf("can't read %s\n", path);
+  return -1;
+}
+
+int failWriting(const char* path) {
+  std::printf("can't write %s\n", path);
+  return -1;
+}
+
 int failIn(const char* name, const char* message) {
   std::printf("%s : %s\n", name, message);
   return -1;

@@ -15,8 +15,11 @@ int mallocFailedAt(int site);
 // failWith prints `message` as a line of its own.
 int failWith(const char* message);
 
-// failOpening prints "can't open PATH".
+// failOpening, failReading and failWriting print "can't open PATH", "can't read PATH" and "can't
+// write PATH".
 int failOpening(const char* path);
+int failReading(const char* path);
+int failWriting(const char* path);
 
 // failIn prints "NAME : MESSAGE", the form in which an adapter names itself; `message` is the
 // text that follows the name and the colon.

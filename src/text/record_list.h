@@ -1,6 +1,7 @@
 #ifndef RUNNER_TEXT_RECORD_LIST_H_
 #define RUNNER_TEXT_RECORD_LIST_H_
 
+#include <cstdlib>
 #include <memory>
 #include <new>
 #include <utility>
@@ -23,14 +24,16 @@ using RecordPtr = std::unique_ptr<Record, RecordDeleter<Record>>;
 
 // RecordList owns a singly linked list of records in the order in which they were appended. A
 // Record is a plain struct with a member `RecordPtr<Record> next`. Appending takes constant time,
-// and the list is released record by record, so its length is limited by memory only.
+// and the list is released record by record, so its length is limited by memory only. A list that
+// is const hands out const records.
 template <typename Record>
 class RecordList {
  public:
+  template <typename Element>
   class Iterator {
    public:
-    explicit Iterator(Record* record) : record_(record) {}
-    Record& operator*() const { return *record_; }
+    explicit Iterator(Element* record) : record_(record) {}
+    Element& operator*() const { return *record_; }
     Iterator& operator++() {
       record_ = record_->next.get();
       return *this;
@@ -38,7 +41,7 @@ class RecordList {
     bool operator==(const Iterator&) const = default;
 
    private:
-    Record* record_;
+    Element* record_;
   };
 
   RecordList() = default;
@@ -51,6 +54,7 @@ class RecordList {
   // append adds a zero-filled record at the end and returns it, still owned by the list; null, with
   // the list unchanged, when there is no memory.
   [[nodiscard]] Record* append() {
+    static_assert(alignof(Record) <= kAlignment);
     void* const memory = allocateZeroed(sizeof(Record));
     if (memory == nullptr) return nullptr;
     RecordPtr<Record> record(new (memory) Record{});
@@ -61,8 +65,10 @@ class RecordList {
   }
 
   [[nodiscard]] bool empty() const { return !head_; }
-  [[nodiscard]] Iterator begin() const { return Iterator(head_.get()); }
-  [[nodiscard]] Iterator end() const { return Iterator(nullptr); }
+  [[nodiscard]] Iterator<Record> begin() { return Iterator<Record>(head_.get()); }
+  [[nodiscard]] Iterator<Record> end() { return Iterator<Record>(nullptr); }
+  [[nodiscard]] Iterator<const Record> begin() const { return Iterator<const Record>(head_.get()); }
+  [[nodiscard]] Iterator<const Record> end() const { return Iterator<const Record>(nullptr); }
 
  private:
   RecordPtr<Record> head_;

@@ -15,8 +15,14 @@ int echoSection(TestFiles& files, std::string_view key, int site) {
   return 0;
 }
 
+int setLineCapacity(TestFiles& files, std::size_t capacity, int site) {
+  if (!files.request.reserve(capacity)) return mallocFailedAt(site);
+  files.lineCapacity = capacity;
+  return 0;
+}
+
 std::optional<std::string_view> nextLine(TestFiles& files) {
-  return files.request.viewLine(files.line);
+  return files.request.readLine(files.lineCapacity);
 }
 
 std::string_view nextValue(TestFiles& files) { return nextLine(files).value_or(""); }
@@ -28,18 +34,14 @@ std::optional<std::string_view> nextListLine(TestFiles& files, const char* compl
   return std::nullopt;
 }
 
-int nextDecimal(TestFiles& files) {
-  files.request.readLine(files.line);
-  return decimal(files.line.data());
-}
-
-void echoDecimal(TestFiles& files, int& value) {
-  value = nextDecimal(files);
+int echoDecimal(TestFiles& files) {
+  const int value = decimal(nextValue(files));
   writeDecimal(files.response, value);
+  return value;
 }
 
 int echoPositive(TestFiles& files, int& value, const char* complaint, int most) {
-  value = nextDecimal(files);
+  value = decimal(nextValue(files));
   if (value < 1 || value > most) return complaint != nullptr ? failWith(complaint) : -1;
   writeDecimal(files.response, value);
   return 0;

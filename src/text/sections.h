@@ -12,9 +12,9 @@
 #include "text/test_files.h"
 
 // The steps of which a test procedure consists: find a section of the request, read its values,
-// echo both into the response. A step that can fail returns 0, or -1 after it has printed what is
-// wrong; the `site` that it takes is the number of its failure line. The size of TestFiles::line is
-// the capacity of the value lines.
+// echo both into the response. A step that can fail returns 0, or -1 when it has printed what is
+// wrong; the `site` that it takes is the number of its failure line. Lines are read with the line
+// capacity of the files.
 
 namespace runner {
 
@@ -31,50 +31,53 @@ struct ValueSites {
 };
 
 // enterSection finds the section `key`; the next line read is its first one.
-int enterSection(TestFiles& files, std::string_view key, int site);
+[[nodiscard]] int enterSection(TestFiles& files, std::string_view key, int site);
 
 // echoSection finds the section `key` and writes the key.
-int echoSection(TestFiles& files, std::string_view key, int site);
+[[nodiscard]] int echoSection(TestFiles& files, std::string_view key, int site);
+
+// setLineCapacity changes the capacity of the lines that are read from now on. It ends the view of
+// the last line. Prints "malloc err!! (SITE)" when there is no memory for such a line.
+[[nodiscard]] int setLineCapacity(TestFiles& files, std::size_t capacity, int site);
 
 // nextLine reads the next line; nothing at the end of the file. The text holds until another line
 // is read.
-std::optional<std::string_view> nextLine(TestFiles& files);
+[[nodiscard]] std::optional<std::string_view> nextLine(TestFiles& files);
 
 // nextValue reads the next line; a line that is missing because the file has ended is an empty one.
-std::string_view nextValue(TestFiles& files);
+[[nodiscard]] std::string_view nextValue(TestFiles& files);
 
 // nextListLine reads the next line of a list whose length was announced. At a section line, or at
 // the end of the file, it prints `complaint` as a line and returns nothing.
-std::optional<std::string_view> nextListLine(TestFiles& files, const char* complaint);
+[[nodiscard]] std::optional<std::string_view> nextListLine(TestFiles& files, const char* complaint);
 
-// nextDecimal reads the next line as a decimal number.
-int nextDecimal(TestFiles& files);
+// echoDecimal reads the next line as a decimal number, writes it and returns it.
+int echoDecimal(TestFiles& files);
 
-// echoDecimal reads the next line as a decimal number into `value` and writes it.
-void echoDecimal(TestFiles& files, int& value);
-
-// echoPositive is echoDecimal for a number that must be at least 1 and at most `most`. Another
-// number is not written; `complaint`, unless it is null, is printed as a line, and the result
-// is -1.
-int echoPositive(TestFiles& files, int& value, const char* complaint, int most = INT_MAX);
+// echoPositive is echoDecimal for a number that must be at least 1 and at most `most`; it stores
+// the number in `value`. Another number is not written, and the result is -1: after `complaint` as
+// a line, or in silence when that is null.
+[[nodiscard]] int echoPositive(TestFiles& files, int& value, const char* complaint,
+                               int most = INT_MAX);
 
 // readHex reads the next line as hexadecimal text of out.size() bytes.
-int readHex(TestFiles& files, std::span<std::uint8_t> out, int site);
+[[nodiscard]] int readHex(TestFiles& files, std::span<std::uint8_t> out, int site);
 
 // echoHex is readHex, followed by writing the bytes.
-int echoHex(TestFiles& files, std::span<std::uint8_t> out, int site);
+[[nodiscard]] int echoHex(TestFiles& files, std::span<std::uint8_t> out, int site);
 
 // echoHexSection finds the section `key`, writes the key, and reads and writes its value.
-int echoHexSection(TestFiles& files, std::string_view key, std::span<std::uint8_t> out,
-                   SectionSites sites);
+[[nodiscard]] int echoHexSection(TestFiles& files, std::string_view key,
+                                 std::span<std::uint8_t> out, SectionSites sites);
 
 // echoSized allocates `value` with `size` bytes, and converts and writes the hexadecimal digits at
 // the start of `text`.
-int echoSized(TestFiles& files, std::string_view text, Buffer& value, std::size_t size,
-              ValueSites sites);
+[[nodiscard]] int echoSized(TestFiles& files, std::string_view text, Buffer& value,
+                            std::size_t size, ValueSites sites);
 
 // echoMeasured is echoSized with as many bytes as the digits at the start of `text` call for.
-int echoMeasured(TestFiles& files, std::string_view text, Buffer& value, ValueSites sites);
+[[nodiscard]] int echoMeasured(TestFiles& files, std::string_view text, Buffer& value,
+                               ValueSites sites);
 
 }  // namespace runner
 

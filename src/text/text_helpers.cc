@@ -4,7 +4,8 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
+#include <limits>
+#include <system_error>
 
 #include "text/diagnostics.h"
 #include "text/hex_digits.h"
@@ -43,12 +44,6 @@ void writeHexDigits(TextWriter& stream, std::span<const std::uint8_t> bytes, Dig
   text.back() = '\n';
 }
 
-void writeNumber(TextWriter& stream, int number) {
-  std::array<char, 16> digits;
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-  writeText(stream, {digits.data(), end});
-}
-
 // copyValue copies the value at the start of `text` for getStr.
 int copyValue(std::string_view text, std::span<char> out) {
   const std::size_t length = std::min(text.find_first_of("\r\n] "), text.size());
@@ -67,8 +62,7 @@ int copyValue(std::string_view text, std::span<char> out) {
 }  // namespace
 
 int findSection(TextReader& stream, std::string_view key) {
-  std::array<char, kSectionLineCapacity> spare;
-  while (const auto line = stream.viewLine(spare)) {
+  while (const auto line = stream.readLine(kSectionLineCapacity)) {
     if (line->starts_with(key)) return 0;
   }
   std::printf("\"%.*s\" is not found!!\n", static_cast<int>(key.size()), key.data());
@@ -91,7 +85,18 @@ int getStr(std::string_view line, std::string_view pattern, std::span<char> out)
   return 0;
 }
 
-int decimal(const char* text) { return static_cast<int>(std::strtol(text, nullptr, 10)); }
+int decimal(std::string_view text) {
+  constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  const bool negative = text.starts_with('-');
+  if (negative || text.starts_with('+')) text.remove_prefix(1);
+  std::uint64_t number = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (result.ec == std::errc::result_out_of_range)
+    number = std::numeric_limits<std::uint64_t>::max();
+  number = std::min(number, negative ? kMost + 1 : kMost);
+  return static_cast<int>(static_cast<std::uint32_t>(negative ? 0 - number : number));
+}
 
 std::size_t bytesForBits(int bits) {
   return bits <= 0 ? 0 : (static_cast<std::size_t>(bits) + 7) / 8;
@@ -137,19 +142,9 @@ void writeLine(TextWriter& stream, std::string_view text) {
 }
 
 void writeDecimal(TextWriter& stream, int number) {
-  writeNumber(stream, number);
-  writeText(stream, "\n");
-}
-
-void writeHashName(TextWriter& stream, HashId hashId) {
-  writeLine(stream, "[Hash]");
-  if (const HashProperties* const hash = findHash(hashId)) {
-    writeLine(stream, hash->name);
-  } else {
-    writeText(stream, "unknown(");
-    writeNumber(stream, static_cast<int>(hashId));
-    writeLine(stream, ")");
-  }
+  std::array<char, 16> digits;
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+  writeLine(stream, {digits.data(), end});
 }
 
 }  // namespace runner

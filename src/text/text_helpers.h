@@ -7,7 +7,6 @@
 #include <span>
 #include <string_view>
 
-#include "driver/test_config.h"
 #include "text/text_stream.h"
 
 // The vocabulary of request and response text: lines of a fixed capacity, section keys,
@@ -19,7 +18,7 @@ namespace runner {
 // findSection reads lines of at most 511 characters until one begins with the whole `key`, and
 // leaves the stream at the line after it. Returns 0. When the stream ends first it prints
 // "\"KEY\" is not found!!" and returns -1.
-int findSection(TextReader& stream, std::string_view key);
+[[nodiscard]] int findSection(TextReader& stream, std::string_view key);
 
 // getStr finds `pattern` in `line` and copies the value that follows it, up to a carriage return, a
 // line feed, "]", a blank or the end of the line, with a closing zero byte into `out`, whose size
@@ -28,12 +27,12 @@ int findSection(TextReader& stream, std::string_view key);
 // candidate. Returns 1 when found and 0 when not. A value that leaves no room for the closing zero
 // byte is not found: that prints "[ERR]getStr: not enough buffer!!" and leaves as many of its
 // characters as fit in `out`, which must not be empty.
-int getStr(std::string_view line, std::string_view pattern, std::span<char> out);
+[[nodiscard]] int getStr(std::string_view line, std::string_view pattern, std::span<char> out);
 
-// decimal converts the decimal number at the start of `text`, which ends with a zero byte: leading
-// white space and a sign are skipped, no digits give 0. A number beyond 64 bits counts as the
-// nearest 64-bit number; of a number beyond 32 bits the low 32 bits are kept.
-int decimal(const char* text);
+// decimal converts the decimal number at the start of `text` as strtol does: leading white space
+// and a sign are skipped, no digits give 0. A number beyond 64 bits counts as the nearest 64-bit
+// number; of a number beyond 32 bits the low 32 bits are kept.
+int decimal(std::string_view text);
 
 // bytesForBits returns the number of bytes that hold `bits` bits, 0 for a negative number of bits.
 std::size_t bytesForBits(int bits);
@@ -48,16 +47,17 @@ std::size_t measureHex(std::string_view text);
 // with the text from there on, the size of `out`, the index of the byte, and 0 or 1 for its first
 // or second digit, and returns -1; the bytes before that one are converted, that one holds its
 // first digit, if any, and the ones after it are 0.
-int hexToBin(std::string_view text, std::span<std::uint8_t> out);
+[[nodiscard]] int hexToBin(std::string_view text, std::span<std::uint8_t> out);
 
 // hexLineToBin converts a line that consists of an even number of hexadecimal digits, and of a
 // newline if it has one, into the first bytes of `out`. Returns their number; nothing, without
 // printing a line, for any other line and for one that does not fit, when `out` may hold anything.
 // It saves the pass over a long value that measureHex takes.
-std::optional<std::size_t> hexLineToBin(std::string_view line, std::span<std::uint8_t> out);
+[[nodiscard]] std::optional<std::size_t> hexLineToBin(std::string_view line,
+                                                      std::span<std::uint8_t> out);
 
 // hexToBlock is hexToBin for a 16-byte block.
-int hexToBlock(std::string_view text, std::span<std::uint8_t, 16> block);
+[[nodiscard]] int hexToBlock(std::string_view text, std::span<std::uint8_t, 16> block);
 
 // writeHex writes two upper-case hexadecimal digits a byte and a newline; a newline alone for no
 // bytes.
@@ -77,10 +77,6 @@ void writeLine(TextWriter& stream, std::string_view text);
 
 // writeDecimal writes `number` in decimal and a newline.
 void writeDecimal(TextWriter& stream, int number);
-
-// writeHashName writes "[Hash]" and the name of the hash ("M_Hash_SHA256"), or "unknown(%d)" with
-// the number of an unknown hash, as two lines.
-void writeHashName(TextWriter& stream, HashId hashId);
 
 }  // namespace runner
 

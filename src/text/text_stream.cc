@@ -1,6 +1,10 @@
 #include "text/text_stream.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <cstdlib>
 #include <cstring>
 
 namespace runner {
@@ -13,21 +17,87 @@ FileHandle openUnbuffered(const char* path, const char* mode) {
   return file;
 }
 
+// isRegularFile tells whether a file can be read several times from its start. It does not open the
+// file, since opening a pipe would wait for the other end.
+bool isRegularFile(const char* path) {
+  struct stat file {};
+  return stat(path, &file) == 0 && S_ISREG(file.st_mode);
+}
+
+// takeFault clears the error of a file after a call that fell short and moved `count` bytes.
+// Returns whether there was one, other than a signal that interrupted the call.
+bool takeFault(std::FILE* file, std::size_t count) {
+  if (count > 0 && std::ferror(file) == 0) return false;
+  std::clearerr(file);
+  return errno != EINTR;
+}
+
 }  // namespace
 
-TextReader::TextReader() = default;
-
 bool TextReader::open(const char* path) {
+  if (!isRegularFile(path)) return false;
+  if (!block_.allocate(kStreamBlockSize)) return false;
   file_ = openUnbuffered(path, "r");
-  end_ = buffer_.data();
-  continueAt(end_);
+  failed_ = false;
+  end_ = block_.text().data();
+  clean_ = {end_, 0};
   return file_ != nullptr;
 }
 
+bool TextReader::reserve(std::size_t capacity) { return spare_.grow(capacity); }
+
+bool TextReader::close() {
+  file_.reset();
+  return !failed_;
+}
+
+// gatherLine copies a line piece by piece into the spare room, whatever it contains.
+std::optional<std::string_view> TextReader::gatherLine(std::size_t capacity) {
+  if (capacity < 2 || !reserve(capacity)) {
+    failed_ = true;
+    return std::nullopt;
+  }
+  char* const line = spare_.text().data();
+  std::size_t length = 0;
+  std::size_t textLength = capacity;  // up to a zero byte, when there is one
+  while (length < capacity - 1 && hasUnread()) {
+    const std::size_t clean = clean_.size();
+    const std::string_view piece = take(capacity - 1 - length);
+    if (piece.size() > clean) textLength = std::min(textLength, length + clean);
+    piece.copy(&line[length], piece.size());
+    length += piece.size();
+    if (piece.ends_with('\n')) break;
+  }
+  if (length == 0) return std::nullopt;
+  return std::string_view(line, std::min(length, textLength));
+}
+
+// take takes at least one character and at most `most` of what is unread, up to and including a
+// newline.
+std::string_view TextReader::take(std::size_t most) {
+  const auto unread = std::string_view(clean_.data(), end_).substr(0, most);
+  const auto piece = unread.substr(0, std::min(unread.find('\n'), unread.size() - 1) + 1);
+  if (piece.size() <= clean_.size()) {
+    clean_.remove_prefix(piece.size());
+  } else {
+    continueAt(piece.end());
+  }
+  return piece;
+}
+
+bool TextReader::hasUnread() { return clean_.data() != end_ || refill(); }
+
+// refill reads the next block. Returns false at the end of the file, and after a read that failed.
 bool TextReader::refill() {
-  const std::size_t count = std::fread(buffer_.data(), 1, buffer_.size(), file_.get());
-  end_ = buffer_.data() + count;
-  continueAt(buffer_.data());
+  const std::span<char> block = block_.text();
+  std::size_t count = 0;
+  while (count == 0 && !failed_) {
+    count = std::fread(block.data(), 1, block.size(), file_.get());
+    if (count == block.size() || std::feof(file_.get()) != 0) break;
+    failed_ = takeFault(file_.get(), count);
+  }
+  end_ = block.data() + count;
+  continueAt(block.data());
   return count > 0;
 }
 
@@ -36,53 +106,16 @@ void TextReader::continueAt(const char* next) {
   clean_ = unread.substr(0, unread.find('\0'));
 }
 
-// gatherLine copies a line piece by piece, whatever it contains.
-std::optional<std::string_view> TextReader::gatherLine(std::span<char> line) {
-  const std::size_t room = line.size() - 1;
-  std::size_t length = 0;
-  std::size_t textLength = std::string_view::npos;  // up to a zero byte, when there is one
-  bool ended = false;
-  while (!ended && length < room && (clean_.data() != end_ || refill())) {
-    const auto unread = std::string_view(clean_.data(), end_).substr(0, room - length);
-    const auto piece = unread.substr(0, std::min(unread.find('\n'), unread.size() - 1) + 1);
-    if (piece.size() > clean_.size()) {
-      textLength = std::min(textLength, length + clean_.size());
-      continueAt(piece.end());
-    } else {
-      clean_.remove_prefix(piece.size());
-    }
-    piece.copy(&line[length], piece.size());
-    length += piece.size();
-    ended = piece.back() == '\n';
-  }
-  if (length == 0) return std::nullopt;
-  return std::string_view(line.data(), std::min(length, textLength));
-}
-
-std::optional<std::string_view> TextReader::readLine(std::span<char> line) {
-  const auto text = viewLine(line);
-  const std::size_t length = text ? text->size() : 0;
-  if (text && text->data() != line.data()) std::memcpy(line.data(), text->data(), length);
-  line[length] = '\0';
-  if (!text) return std::nullopt;
-  return std::string_view(line.data(), length);
-}
-
-TextWriter::TextWriter() = default;
-
-TextWriter::~TextWriter() {
-  if (file_) writeThrough(end_);
-}
-
 bool TextWriter::create(const char* path) { return open(path, "w"); }
 
 bool TextWriter::append(const char* path) { return open(path, "a"); }
 
 bool TextWriter::open(const char* path, const char* mode) {
+  if (!block_.allocate(kStreamBlockSize + kMaxExtension)) return false;
   file_ = openUnbuffered(path, mode);
   if (!file_) return false;
   failed_ = false;
-  // A file without places, like a pipe, starts anywhere.
+  // A file that has no end to seek, like a pipe, is taken to be empty.
   const long place = std::fseek(file_.get(), 0, SEEK_END) == 0 ? std::ftell(file_.get()) : 0;
   begin_ = static_cast<std::size_t>(std::max(place, 0L)) % kStreamBlockSize;
   end_ = begin_;
@@ -101,17 +134,23 @@ bool TextWriter::close() {
   return std::fclose(file_.release()) == 0 && !failed_;
 }
 
-// writeBlock is called when more than a block is held back.
-void TextWriter::writeBlock() {
+// writeBlock makes room for `size` characters when more than a block is held back.
+void TextWriter::writeBlock(std::size_t size) {
+  if (size > kMaxExtension) std::abort();
   writeThrough(kStreamBlockSize);
   end_ -= kStreamBlockSize;
-  std::memcpy(buffer_.data(), &buffer_[kStreamBlockSize], end_);
+  std::memcpy(block_.data(), block_.data() + kStreamBlockSize, end_);
   begin_ = 0;
 }
 
+// writeThrough writes what is held back before `end`.
 void TextWriter::writeThrough(std::size_t end) {
-  const std::size_t size = end - begin_;
-  if (std::fwrite(&buffer_[begin_], 1, size, file_.get()) != size) failed_ = true;
+  while (begin_ < end && !failed_) {
+    const std::size_t size = end - begin_;
+    const std::size_t count = std::fwrite(block_.data() + begin_, 1, size, file_.get());
+    begin_ += count;
+    failed_ = count < size && takeFault(file_.get(), count);
+  }
 }
 
 }  // namespace runner
