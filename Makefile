@@ -60,7 +60,7 @@ bench: deps-build deps-test
 fuzz: deps-build deps-fuzz
 	scripts/fuzz $(FUZZ_SECONDS)
 
-# A table of the lines of src/ that the tests reach, the least covered files first. The programs that
+# A table of the lines of src/ that the tests reach, the least covered files last. The programs that
 # the tests start count too.
 coverage: deps-build deps-test deps-coverage
 	cmake --preset coverage
