@@ -1,7 +1,16 @@
 #include "text/hex_digits.h"
 
 // Each loop here does one thing to every byte, without branches or tables, so that the compiler
-// turns it into vectors.
+// turns it into vectors. RUNNER_VECTOR_CLONES has a loop compiled for AVX2 as well: the converters
+// of long values are nearly twice as fast with it. The program's loader chooses, which takes x86,
+// GCC's attribute, the GNU C library, and a build without the thread sanitizer, whose run-time
+// library is not there yet when the loader calls.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && defined(__GLIBC__) && \
+    !defined(__SANITIZE_THREAD__)
+#define RUNNER_VECTOR_CLONES __attribute__((target_clones("avx2", "default")))
+#else
+#define RUNNER_VECTOR_CLONES
+#endif
 
 namespace runner {
 namespace {
@@ -22,13 +31,16 @@ constexpr char hexDigit(int value, int letterOffset) {
 }
 
 bool consistsOfDigits(std::string_view text) {
-  bool valid = true;
-  for (const char c : text) valid &= isHexDigit(static_cast<std::uint8_t>(c));
-  return valid;
+  std::uint8_t invalid = 0;
+  for (const char c : text) {
+    invalid |= static_cast<std::uint8_t>(!isHexDigit(static_cast<std::uint8_t>(c)));
+  }
+  return invalid == 0;
 }
 
 }  // namespace
 
+RUNNER_VECTOR_CLONES
 bool decodeDigits(std::string_view digits, std::span<std::uint8_t> out) {
   std::uint8_t invalid = 0;
   for (std::size_t i = 0; i < out.size(); ++i) {
@@ -40,6 +52,7 @@ bool decodeDigits(std::string_view digits, std::span<std::uint8_t> out) {
   return invalid == 0;
 }
 
+RUNNER_VECTOR_CLONES
 void encodeDigits(std::span<const std::uint8_t> bytes, std::span<char> out, DigitCase letters) {
   const int letterOffset = (letters == DigitCase::UPPER ? 'A' : 'a') - '0' - 10;
   for (std::size_t i = 0; i < bytes.size(); ++i) {
