@@ -81,7 +81,8 @@ void slide(Chain& chain) {
   const std::size_t kept = messageLength(chain) - chain.partLengths.front();
   std::memmove(parts.data(), &parts[chain.partLengths.front()], kept);
   std::memcpy(&parts[kept], chain.value.data(), chain.digestLength);
-  std::ranges::rotate(chain.partLengths, chain.partLengths.begin() + 1);
+  // Not of std::ranges: clang 14 does not compile that one with the library of g++ 12.
+  std::rotate(chain.partLengths.begin(), chain.partLengths.begin() + 1, chain.partLengths.end());
   chain.partLengths.back() = chain.digestLength;
 }
 

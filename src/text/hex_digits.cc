@@ -46,7 +46,8 @@ bool decodeDigits(std::string_view digits, std::span<std::uint8_t> out) {
   for (std::size_t i = 0; i < out.size(); ++i) {
     const auto high = static_cast<std::uint8_t>(digits[2 * i]);
     const auto low = static_cast<std::uint8_t>(digits[2 * i + 1]);
-    invalid |= static_cast<std::uint8_t>(!isHexDigit(high) | !isHexDigit(low));
+    invalid |= static_cast<std::uint8_t>(!isHexDigit(high));
+    invalid |= static_cast<std::uint8_t>(!isHexDigit(low));
     out[i] = static_cast<std::uint8_t>((hexValue(high) << 4) | hexValue(low));
   }
   return invalid == 0;
