@@ -1,0 +1,183 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "check/console_verdict.h"
+#include "check/response_difference.h"
+#include "support/run_request.h"
+
+// The command `runner-check`: what it says of requests whose outcome is known, its exit statuses,
+// and that neither an engine that aborts nor a wrong command line costs a request or a response.
+
+namespace {
+
+const std::string kHash = RUNNER_EXAMPLES "/sha-256-hash.req";
+const std::string kRsa = RUNNER_EXAMPLES "/rsa-2048-sha-256-verification.req";
+const std::string kAes = RUNNER_EXAMPLES "/aes-128-cbc-encryption.req";
+
+// check runs the built program; both its outputs count as its console.
+Outcome check(const std::vector<std::string>& arguments) {
+  return runCommand(arguments, "2>&1 " RUNNER_CHECK_BINARY);
+}
+
+// reports returns all lines but the last, which has the counts.
+std::string reports(const Outcome& outcome) {
+  const std::string& console = outcome.console;
+  return console.substr(0, console.size() - lastLines(console, 1).size());
+}
+
+const char* testsOf(const std::string& example) {
+  if (example.ends_with("-hash") || example.ends_with("-mac")) return "3 of 3";
+  return example.find("-cbc-") == std::string::npos ? "1 of 1" : "6 of 6";
+}
+
+TEST(Check, ConfirmsEveryExample) {
+  const TempDir dir;
+  std::vector<std::string> arguments = {"-d", dir.file("")};
+  std::vector<std::string> names;
+  std::string expected;
+  for (const auto& entry : std::filesystem::directory_iterator(RUNNER_EXAMPLES)) {
+    if (entry.path().extension() != ".req") continue;
+    arguments.push_back(entry.path());
+    names.push_back(entry.path().stem());
+    expected += arguments.back() + ": " + testsOf(names.back()) + " tests, confirmed by OpenSSL\n";
+  }
+  const Outcome outcome = check(arguments);
+  EXPECT_EQ(outcome.status, 0);
+  const std::string count = std::to_string(names.size());
+  expected += count + " requests: " + count + " complete and confirmed, 0 not; GnuTLS ...\n";
+  EXPECT_EQ(filled(expected, outcome.console), outcome.console);
+  for (const std::string& name : names) {
+    EXPECT_EQ(fromHere(readFile(dir.file(name + ".rsp")), "\n#\n"), "\n#\n" + answerOf(name));
+  }
+}
+
+struct Judged {
+  std::string request;
+  int status;
+  std::string report;
+};
+
+TEST(Check, SaysWhatIsWrongWithARequest) {
+  const std::string aes = readFile(kAes);
+  const std::string gcm = example("aes-128-gcm-encryption", ".req");
+  // The second signature of the DSA example verifies; zero bytes before r and s do not change them.
+  const std::string dsa = example("dsa-2048-256-sha-256-verification", ".req");
+  const std::string second = dsa.substr(dsa.find('\n', dsa.find("[Signatures]") + 13) + 1, 128);
+  const std::string padded = "0000" + second.substr(0, 64) + "0000" + second.substr(64);
+  const std::string sign = "[Algorithm Name]\nECDSA\n[Function Name]\nSign\n[Hash]\n";
+  const Judged cases[] = {
+      {edited(aes, "KAT-Key]\n8", "KAT-Key]\nO"), 1,
+       "5 of 6 tests: procKAT_Key: err happens!! (2215)"},
+      {edited(aes, "Outer-loop for MCT]\n", "Outer-loop for MCT]\n-"), 1,
+       "5 of 6 tests: procMCT: no completion line"},
+      {edited(aes, "[Bitlength of Key]", ""), 1, "header: request is inadequate!!"},
+      {edited(aes, "CBC", "ECB"), 1,
+       "0 of 6 tests: GnuTLS: procKAT_Text: not supported!!; OpenSSL: 6 of 6 tests"},
+      {edited(gcm, "[IV]\n", "[IV]\n00"), 1,
+       "0 of 1 tests: GnuTLS: procAEAD: aead_encrypt_gnutls : initialize error!!; "
+       "OpenSSL: 1 of 1 tests"},
+      {edited(dsa, second, padded), 1, "1 of 1 tests, not confirmed: line 45: GnuTLS 0, OpenSSL 1"},
+      {sign, 0, "no test"},
+      {"[AlgorithmName = CTR_DRBG no df]\n[UnderlyingAlgorithm = AES-128]\n"
+       "[SecurityStrength = 128]\n[RequestedNumberOfBits = 512]\n[NumberOfTrials = 1]\n",
+       0, "no test"},
+  };
+  const TempDir dir;
+  const std::string path = dir.file("a.req");
+  for (const Judged& row : cases) {
+    SCOPED_TRACE(row.report);
+    writeFile(path, row.request);
+    const Outcome outcome = check({path});
+    EXPECT_EQ(outcome.status, row.status);
+    EXPECT_EQ(reports(outcome), path + ": " + row.report + "\n");
+  }
+}
+
+TEST(Check, GoesOnAfterAnEngineThatAbortsAndAfterWhatIsNoFile) {
+  const TempDir dir;
+  const std::string none = dir.file("") + ": can't open: not a regular file\n";
+  const Outcome outcome =
+      runCommand({dir.file(""), kHash, kRsa, kAes}, "2>&1 " RUNNER_CHECK_WITH_BROKEN_ENGINES);
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(reports(outcome), none + "runner-check: " + none + kHash + ": stopped by signal 6\n" +
+                                  kRsa +
+                                  ": 1 of 1 tests, not confirmed: OpenSSL: stopped by signal 6\n" +
+                                  kAes + ": 6 of 6 tests, confirmed by OpenSSL\n");
+  EXPECT_TRUE(outcome.console.find("\n4 requests: 1 complete and confirmed, 3 not; ") !=
+              std::string::npos);
+}
+
+TEST(Check, RefusesWhatItCannotDoBeforeAnythingRuns) {
+  const TempDir dir;
+  const TempDir other;
+  const std::string request = dir.file("a.req");
+  const std::string sameName = other.file("a.txt");
+  const std::string response = dir.file("a.rsp");
+  for (const std::string& path : {request, sameName}) writeFile(path, readFile(kRsa));
+  const std::string options[] = {dir.file("missing"), request, "/proc", ""};
+  std::vector<std::vector<std::string>> commandLines = {
+      {}, {"-x", request}, {"-d", dir.file(""), request, sameName}};
+  for (const std::string& option : options) commandLines.push_back({"-d", option, request});
+  for (const std::vector<std::string>& arguments : commandLines) {
+    const Outcome outcome = check(arguments);
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.console.find("tests"), std::string::npos) << outcome.console;
+    EXPECT_EQ(readFile(response), "");
+  }
+  writeFile(response, readFile(kRsa));
+  EXPECT_EQ(check({"-d", dir.file("."), response}).status, 2);
+  EXPECT_EQ(readFile(response), readFile(kRsa));
+}
+
+struct Console {
+  std::string text;
+  std::size_t sound;
+  std::string fault;
+};
+
+TEST(Check, TakesNoOtherLineForASoundOne) {
+  const std::string smt = "procSMT finish normally\n";
+  const std::string slmt = "procSLMT finish normally\n";
+  const std::string pgmt = "procPGMT finish normally\n";
+  const Console cases[] = {
+      {smt + slmt + pgmt, 3, ""},
+      {"", 0, "procSMT: no completion line"},
+      {smt + pgmt, 2, "procSLMT: no completion line"},
+      {smt + smt + slmt + pgmt, 2, "procSLMT: procSMT finish normally"},
+      {slmt + smt + pgmt, 1, "procSMT: no completion line"},
+      {smt + slmt + pgmt + "x\n", 3, "x"},
+      {smt + slmt + pgmt.substr(1), 2, "procPGMT: rocPGMT finish normally"},
+      {"curveid: 2\n" + smt + slmt + pgmt, 2, "procSMT: curveid: 2"},
+      {"hash: 1\n" + smt + slmt + pgmt, 2, "procSMT: hash: 1"},
+      {"\nillegal data!! (z\n)\nnum=1, i=0, j=0\nerr happens!! (1)\n" + slmt + pgmt, 2,
+       "procSMT: err happens!! (1)"},
+      {"a\nerr happens!! (1)\nb\n" + slmt + pgmt, 1, "procSMT: a"},
+      {"a\nerr happens!! (1)\nb\nerr happens!! (2)\n" + pgmt, 1, "procSMT: a"},
+  };
+  runner::TestConfig config;
+  config.testFunction = runner::TestFunction::HASH;
+  for (const Console& row : cases) {
+    SCOPED_TRACE(row.text);
+    const auto verdict = runner::judgeConsole(row.text, config, runner::CryptEngine::GNUTLS);
+    EXPECT_EQ(verdict.sound, row.sound);
+    EXPECT_EQ(verdict.fault, row.fault);
+  }
+}
+
+TEST(Check, ShowsThePlaceWhereLongLinesDiffer) {
+  const std::string zeros(500, '0');
+  const std::string start = "line 7: GnuTLS ";
+  const auto describe = [&](const std::string& text, const std::string& otherText) {
+    return runner::describeDifference({7, text, otherText}, 65);
+  };
+  EXPECT_EQ(describe("A" + zeros, "B" + zeros),
+            start + "A0000000000000000..., OpenSSL B0000000000000000...");
+  EXPECT_EQ(describe(zeros + "A", zeros + "B"), start + "...A, OpenSSL ...B");
+  EXPECT_EQ(describe(zeros + "A" + zeros, zeros), start + "...A0000000000000..., OpenSSL ...");
+  EXPECT_EQ(runner::printable("a\x1b[2J\n\xc3\xa9"), "a?[2J?\xc3\xa9");
+}
+
+}  // namespace
