@@ -13,8 +13,9 @@
 #include "support/run_request.h"
 
 // Every allocation of a request fails in turn. Whichever it is, the fault is told, by the number of
-// its place or as a file that cannot be opened; the test that it hit writes nothing that it would
-// not have written otherwise and has no completion line; and the other tests are not disturbed.
+// its place or as a file that cannot be opened or read; the test that it hit writes nothing that it
+// would not have written otherwise and has no completion line; and the other tests are not
+// disturbed.
 
 namespace {
 
@@ -68,26 +69,35 @@ struct Row {
   int survived = 0;
 };
 
-// faultOf returns the number of the allocation that a console tells of, 0 for a file that could not
-// be opened, and takes from the console what is said of it.
+constexpr int kUnopened = 0;
+constexpr int kUnread = -1;
+
+// faultOf returns the number of the allocation that a console tells of, or that a file could not be
+// opened or read, and takes from the console what is said of it.
 int faultOf(std::string& console) {
-  static const std::regex fault("(malloc err!! \\((\\d+)\\)|can't open .*)\n");
+  static const std::regex fault("(malloc err!! \\((\\d+)\\)|can't (open|read) .*)\n");
   std::smatch match;
   EXPECT_TRUE(std::regex_search(console, match, fault)) << console;
-  const int number = match[2].matched ? std::stoi(match[2]) : 0;
+  const int number = match[2].matched     ? std::stoi(match[2])
+                     : match[3] == "open" ? kUnopened
+                                          : kUnread;
   const std::string consequence = number == 4589 ? "encoding signature(rs) failed!!\n" : "";
   console = edited(console, match[0].str() + consequence, "");
   return number;
 }
 
-void expectOnlyLoss(const Outcome& outcome, const Outcome& whole, bool isSurvived) {
+void expectOnlyLoss(const Outcome& outcome, const Outcome& whole, int fault, int survived) {
+  const bool isSurvived = fault > 0 && fault == survived;
   const Lines console = linesOf(outcome.console), wholeConsole = linesOf(whole.console);
   Lines left = linesOf(outcome.response), answers = linesOf(whole.response);
   // A signature that cannot be encoded counts as one that is not good.
   if (isSurvived) std::ranges::replace(answers, "Result = P", std::string("Result = F"));
   if (isSurvived) std::ranges::replace(left, "Result = P", std::string("Result = F"));
-  EXPECT_TRUE(isThinned(console, wholeConsole)) << outcome.console;
-  EXPECT_TRUE(isThinned(left, answers)) << outcome.response;
+  // A file that cannot be read ends early for its test, which may say so and write what it has.
+  if (fault != kUnread) {
+    EXPECT_TRUE(isThinned(console, wholeConsole)) << outcome.console;
+    EXPECT_TRUE(isThinned(left, answers)) << outcome.response;
+  }
   const auto finished = finishedTests(console);
   const std::size_t losses = outcome.status < 0 ? finishedTests(wholeConsole).size() : 1;
   EXPECT_EQ(finished.size() + (isSurvived ? 0 : losses), finishedTests(wholeConsole).size());
@@ -106,9 +116,9 @@ std::map<int, int> failEach(const std::string& request, const Row& row) {
     const FailingAllocator failing(i);
     Outcome outcome = runInProcess(request);
     if (!failing.hasFailed()) return numbers;
-    const int number = faultOf(outcome.console);
-    expectOnlyLoss(outcome, whole, number != 0 && number == row.survived);
-    if (number != 0) ++numbers[number];
+    const int fault = faultOf(outcome.console);
+    expectOnlyLoss(outcome, whole, fault, row.survived);
+    if (fault > 0) ++numbers[fault];
   }
 }
 
@@ -123,13 +133,16 @@ const Row kEcdsaRecords = {
     "ecdsa-p-256-value-list", {4754, 4755, 4756, 4757, 4758, 4759, 4589}, 4589};
 const Row kDsaRecords = {"dsa-2048-256-value-list", {3998, 4001, 4006, 4007, 4589}, 4589};
 
+// The lines of short messages (6021), and those of long ones of up to 252 bytes (6151), fit into
+// the room that the search for their section has made.
 TEST(Allocations, AreToldWhenTheyFail) {
   const Row rows[] = {
       {"aes_encryption", {2097, 2208, 2380, 2444, 2445}},
       {"aes-256-cbc-decryption", {2097, 2208, 2380, 2444, 2445}, 2208},
       {"gcm_encryption", {6560, 6576, 6577, 6578, 6579, 6580, 6581}},
       {"gcm_decryption", {6560, 6576, 6577, 6578, 6579, 6580, 6581}},
-      {"hmac_messages", {6004, 6006, 6021, 6031, 6120, 6122, 6151, 6160, 6230, 6296, 6305, 6306}},
+      {"hmac_messages", {6004, 6006, 6031, 6120, 6122, 6160, 6230, 6296, 6305, 6306}},
+      {"sha-256-hash", {6004, 6031, 6120, 6151, 6160, 6296, 6305, 6306}},
       {"rsa_verification", {5561, 5600, 5607, 5630, 5666}},
       {"dsa_verification", {4169, 4216, 4223, 4243, 4268, 4589}},
       {"ecdsa_verification", {4947, 4954, 5004, 5010, 5030, 5054, 4589}},
