@@ -1,17 +1,16 @@
-#include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "support/case_file.h"
-#include "support/failing_allocator.h"
 #include "support/run_request.h"
 
 // Every case of the files in tests/cases, each of which is a test: the console and the response of
-// a sound request, and of its edits.
+// sound requests, and of their edits.
 
 namespace {
 
@@ -24,43 +23,72 @@ std::vector<std::string> caseFiles() {
   return names;
 }
 
-std::string applied(std::string text, const std::vector<Edit>& edits) {
-  for (const Edit& edit : edits) text = edited(text, edit.from, edit.to);
-  return text;
-}
-
-void expectOutcome(const RequestCase& sound, const RequestCase& row, int engine) {
-  SCOPED_TRACE("engine " + std::to_string(engine));
-  const std::string request = applied(sound.request, row.requestEdits);
-  const std::string& response = row.response.empty() ? sound.response : row.response;
-  const FailingAllocator failing(row.allocation - 1);
-  const Outcome outcome = runInProcess(request, static_cast<runner::CryptEngine>(engine));
-  EXPECT_EQ(outcome.console, filled(row.console, outcome.console));
-  EXPECT_EQ(outcome.response, filled(applied(response, row.responseEdits), outcome.response));
-}
-
 class CaseFile : public testing::TestWithParam<std::string> {};
 
 TEST_P(CaseFile, HoldsWhatTheProgramDoes) {
   const std::string path = RUNNER_CASES "/" + GetParam() + ".txt";
-  const std::vector<RequestCase> cases = readCaseFile(path);
-  ASSERT_GT(cases.size(), 1U) << "no cases in " << path;
-  const RequestCase& sound = cases.front();
-  ASSERT_FALSE(sound.engines.empty()) << "no engines in " << path;
-  for (const RequestCase& row : cases) {
-    const testing::ScopedTrace trace(path.c_str(), row.line, "the case that begins here");
-    for (const int engine : row.engines.empty() ? sound.engines : row.engines) {
-      expectOutcome(sound, row, engine);
+  for (const RequestCase& row : readCaseFile(path)) {
+    for (const int engine : row.engines) {
+      const testing::ScopedTrace trace(path.c_str(), row.line,
+                                       row.name + ", engine " + std::to_string(engine));
+      const Outcome outcome = runInProcess(row.request, static_cast<runner::CryptEngine>(engine));
+      EXPECT_EQ(outcome.console, filled(row.console, outcome.console));
+      EXPECT_EQ(outcome.response, filled(row.response, outcome.response));
     }
   }
 }
 
 TEST(CaseFiles, AreFound) { EXPECT_FALSE(caseFiles().empty()); }
 
+// errorOf returns what is wrong with a case file, from its line number on.
+std::string errorOf(const std::string& text) {
+  const TempDir dir;
+  writeFile(dir.file("cases"), text);
+  try {
+    readCaseFile(dir.file("cases"));
+  } catch (const std::invalid_argument& error) {
+    return std::string(error.what()).substr(dir.file("cases").size());
+  }
+  return "";
+}
+
+TEST(CaseFiles, AreReadStrictly) {
+  const std::string sound = "sound one\nengines 0\n<= ab\n<= abc\n> done\n\n";
+  EXPECT_EQ(errorOf(sound + "case two\nengines 1\n"), "");
+  const struct {
+    const char* lines;
+    const char* error;
+  } rows[] = {
+      {"case\nboth c -> d\n", ":7: a case without a name"},
+      {"case one\nboth c -> d\n", ":7: a second case with this name: one"},
+      {"case two\n", ":7: no other request than the sound one: two"},
+      {"case two\nengines 4\n", ":8: unknown engine: 4"},
+      {"case two\nengines 01\n", ":8: unknown engine: 01"},
+      {"case two\nengines\n", ":8: no engine"},
+      {"case two\nboth c -> \\t\n", ":8: unknown escape: \\t"},
+      {"case two\nboth c -> \\\n", ":8: unknown escape: \\"},
+      {"case two\nboth c -> {3}\n", ":8: no {COUNT*TEXT}: {3}"},
+      {"case two\nboth ab -> x\n", ":8: found twice: ab"},
+      {"case two\nboth first abc -> x\n", ":8: found once: first abc"},
+      {"case two\nboth d -> x\n", ":8: not found: d"},
+      {"case two\nboth c -> c\n", ":8: without effect: c"},
+      {"case two\nboth c\n", ":8: no \" -> \": c "},
+      {"case two\nall c -> d\n", ":8: no line of a case: all"},
+      {"case two\nexample none\n", ":8: not found: \n#\n"},
+      {"sound three\n", ":7: no engines: three"},
+      {"missing 1 abc\n", ":7: a row outside of a part"},
+      {"part done\nboth c -> d\n", ":8: a line outside of a case"},
+      {"part done\nstops two | c - d | x\n", ":8: no \" -> \": c - d "},
+      {"part done\nstops two | c -> d | x | at c\n", ":8: neither before nor after: at c"},
+      {"part done\nillegal two | c -> d | 1 2 x\n", ":8: no NUM I J SITE: 1 2 x"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(errorOf(sound + row.lines), row.error) << row.lines;
+}
+
 TEST(Patterns, MatchWhatTheyName) {
-  EXPECT_EQ(edited("abcabc", "b...c", "-"), "a-abc");
-  EXPECT_EQ(edited("abcabc", "b...", "-"), "a-");
-  EXPECT_NONFATAL_FAILURE(edited("abc", "b...d", ""), "nothing to edit");
+  EXPECT_EQ(edited("abcabc", "first b...c", "-"), "a-abc");
+  EXPECT_EQ(edited("abcabd", "c...", "-"), "ab-");
+  EXPECT_THROW(edited("abc", "b...d", ""), std::invalid_argument);
   const std::string text = "1\n2\n3\n";
   for (const char* const pattern : {"1\n2\n3\n", "...\n3\n", "1\n...\n", "1\n...\n3\n"}) {
     EXPECT_EQ(filled(pattern, text), text);

@@ -4,27 +4,19 @@
 #include <string>
 #include <vector>
 
-// Edit replaces the first `from` of a text by `to`, as edited() does.
-struct Edit {
-  std::string from;
-  std::string to;
-};
-
-// RequestCase is one paragraph of a case file: a sound request with its outcome, or what an edit of
-// it leads to. tests/cases/README.md describes the format.
+// RequestCase is a request with what the program makes of it: a sound request of a case file, or an
+// edit of one, with the edits made. tests/cases/README.md describes the format.
 struct RequestCase {
+  std::string name{};
   int line = 0;  // of the file, where the case begins
-  std::string request;
-  std::string console;
-  std::string response;
-  std::vector<Edit> requestEdits;
-  std::vector<Edit> responseEdits;
-  std::vector<int> engines;
-  int allocation = 0;  // the one that fails, counted from 1; 0 if none does
+  std::string request{};
+  std::string console{};
+  std::string response{};
+  std::vector<int> engines{};
 };
 
-// readCaseFile returns the paragraphs of a case file, of which the first is the sound request. A
-// test fails at a line of an unknown kind.
+// readCaseFile returns the cases of the file with this path, of which the first is a sound request.
+// Throws std::invalid_argument with file and line at the first line that is not in order.
 std::vector<RequestCase> readCaseFile(const std::string& path);
 
 #endif  // RUNNER_TESTS_SUPPORT_CASE_FILE_H_

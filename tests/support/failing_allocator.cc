@@ -24,3 +24,4 @@ void* __wrap_aligned_alloc(std::size_t alignment, std::size_t size) {
 
 FailingAllocator::FailingAllocator(int successes) { successesLeft = successes; }
 FailingAllocator::~FailingAllocator() { successesLeft = kNever; }
+bool FailingAllocator::hasFailed() const { return successesLeft == kNever; }

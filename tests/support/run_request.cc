@@ -1,7 +1,6 @@
 #include "support/run_request.h"
 
 #include <gtest/gtest.h>
-#include <openssl/err.h>
 #include <sys/wait.h>
 
 #include <array>
@@ -9,6 +8,8 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <sstream>
+#include <stdexcept>
 
 #include "driver/dispatch.h"
 #include "driver/request_header.h"
@@ -17,6 +18,8 @@ namespace {
 
 // What stands for any text in an edit or a pattern.
 constexpr std::string_view kGap = "...";
+// What begins an edit of the first of several.
+constexpr std::string_view kFirst = "first ";
 
 // withoutDate cuts the date line off after a look at its form, that of ctime.
 std::string withoutDate(const std::string& response) {
@@ -73,8 +76,6 @@ Outcome runInProcess(std::string_view request, runner::CryptEngine engine) {
   const std::string requestPath = dir.file("request");
   const std::string responsePath = dir.file("response");
   writeFile(requestPath, request);
-  // What an earlier test left in OpenSSL's error queue would be reported by this one.
-  ERR_clear_error();
   runner::TestConfig config;
   Outcome outcome;
   testing::internal::CaptureStdout();
@@ -87,21 +88,26 @@ Outcome runInProcess(std::string_view request, runner::CryptEngine engine) {
 }
 
 std::string edited(std::string_view text, std::string_view from, std::string_view to) {
-  std::string result(text);
-  const std::size_t gap = from.find(kGap);
-  const std::string_view head = from.substr(0, gap);
+  const bool isFirst = from.starts_with(kFirst);
+  const std::string_view pattern = from.substr(isFirst ? kFirst.size() : 0);
+  const std::size_t gap = pattern.find(kGap);
+  const std::string_view head = pattern.substr(0, gap);
+  const std::string_view tail = gap == pattern.npos ? "" : pattern.substr(gap + kGap.size());
   const std::size_t begin = text.find(head);
-  std::size_t end = begin == std::string::npos ? begin : begin + head.size();
-  if (gap != std::string::npos && end != std::string::npos) {
-    const std::string_view tail = from.substr(gap + kGap.size());
-    const std::size_t last = tail.empty() ? text.size() : text.find(tail, end);
-    end = last == std::string::npos ? last : last + tail.size();
+  std::size_t end = begin == text.npos ? begin : begin + head.size();
+  if (gap != pattern.npos && end != text.npos) {
+    end = tail.empty() ? text.size() : text.find(tail, end);
+    if (end != text.npos) end += tail.size();
   }
-  if (end == std::string::npos) {
-    ADD_FAILURE() << "nothing to edit: " << from;
-    return result;
+  if (end == text.npos) throw std::invalid_argument("not found: " + std::string(from));
+  const bool isTwice = !head.empty() && text.find(head, begin + 1) != text.npos;
+  if (isTwice != isFirst) {
+    throw std::invalid_argument((isTwice ? "found twice: " : "found once: ") + std::string(from));
   }
-  return result.replace(begin, end - begin, to);
+  std::string result(text);
+  result.replace(begin, end - begin, to);
+  if (result == text) throw std::invalid_argument("without effect: " + std::string(from));
+  return result;
 }
 
 std::string filled(const std::string& pattern, const std::string& text) {
@@ -123,6 +129,7 @@ std::string lastLines(const std::string& text, int count) {
 }
 
 std::string fromHere(const std::string& text, const std::string& start) {
+  if (text.find(start) == std::string::npos) throw std::invalid_argument("not found: " + start);
   return text.substr(text.find(start));
 }
 
@@ -132,8 +139,35 @@ std::string example(const std::string& name, const std::string& extension) {
 
 std::string answerOf(const std::string& name) {
   const std::string ownLines = "\n#\n";
-  const std::string response = example(name, ".rsp");
-  return response.substr(response.find(ownLines) + ownLines.size());
+  return fromHere(example(name, ".rsp"), ownLines).substr(ownLines.size());
+}
+
+std::string exampleConsole(const std::string& name) {
+  const std::string request = example(name, ".req");
+  const auto has = [&](const char* text) { return request.find(text) != std::string::npos; };
+  // What a line names `item` for, as a number.
+  const auto valueOf = [&](const std::string& item) {
+    return std::stoi(fromHere(request, item).substr(item.size()));
+  };
+  std::ostringstream console;
+  if (has("[TargetFunction = ")) {
+    console << "function    : Verification\nhash: " << valueOf("HashAlgorithm = SHA-")
+            << "\nrequest size : " << valueOf("BitLengthOfMessage = ") / 8
+            << "\nmessage num : " << valueOf("NumberOfMessages = ") << "\n";
+  }
+  const std::array<const char*, 5> curves = {"p-192", "p-224", "p-256", "p-384", "p-521"};
+  for (std::size_t i = 0; i < curves.size(); ++i) {
+    if (name.find(curves[i]) != std::string::npos) console << "curveid: " << i << "\n";
+  }
+  std::istringstream tests(has("GCM/GMAC") ? "AEAD"
+                           : has("[Modes of Operation]")
+                               ? "KAT_Text KAT_Key KAT_GFSbox KAT_KeySbox MMT MCT"
+                           : has("[Data of SMT]")         ? "SMT SLMT PGMT"
+                           : has("Public Key Validation") ? "ChkPublicKey"
+                           : has("Verification")          ? "Verify"
+                                                          : "");
+  for (std::string test; tests >> test;) console << "proc" << test << " finish normally\n";
+  return console.str();
 }
 
 std::vector<std::uint8_t> fromHex(std::string_view text) {

@@ -46,8 +46,9 @@ Outcome runBinary(std::string_view request, const std::string& program = RUNNER_
 Outcome runInProcess(std::string_view request,
                      runner::CryptEngine engine = runner::CryptEngine::GNUTLS);
 
-// edited returns `text` with the first occurrence of `from` replaced; a test fails when there is
-// none. "..." in `from` stands for any text, at its end for all the rest.
+// edited returns `text` with the one occurrence of `from` replaced. "..." in `from` stands for any
+// text, at its end for all the rest; "first FROM" means the first of several. Throws
+// std::invalid_argument when `from` is not there, or twice, or when nothing changes.
 std::string edited(std::string_view text, std::string_view from, std::string_view to);
 
 // filled returns `pattern` with its "..." replaced by what `text` has in that place; `text` begins
@@ -65,6 +66,10 @@ std::string example(const std::string& name, const std::string& extension);
 
 // answerOf returns the expected response to an example without the program's own three lines.
 std::string answerOf(const std::string& name);
+
+// exampleConsole returns what the program prints for an example through GnuTLS: the items of a
+// value-list header, the curve that the example is named after, and that each test has finished.
+std::string exampleConsole(const std::string& name);
 
 // fromHex converts hexadecimal text to bytes.
 std::vector<std::uint8_t> fromHex(std::string_view text);
