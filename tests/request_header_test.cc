@@ -28,6 +28,18 @@ Parsed parse(std::string_view request) {
   return parsed;
 }
 
+// fieldsOf returns what a header fills in: function, mode, hash, key length, subgroup length,
+// message length, count, flags and curve.
+std::string fieldsOf(const TestConfig& config) {
+  std::string fields;
+  for (const int number : {static_cast<int>(config.testFunction), static_cast<int>(config.mode),
+                           static_cast<int>(config.hashId), config.keyLength, config.subgroupLength,
+                           config.messageLength, config.count, static_cast<int>(config.flags)}) {
+    fields += std::to_string(number) + " ";
+  }
+  return fields + (config.curveName != nullptr ? config.curveName : "-");
+}
+
 TEST(RequestHeader, FillsTheConfigAndEchoesItsSections) {
   // Key lines are echoed in their own form, save those of the maximum lengths, which stand as read.
   const Parsed gcm = parse(
@@ -43,49 +55,32 @@ TEST(RequestHeader, FillsTheConfigAndEchoesItsSections) {
             "[Algorithm Name]\nGCM/GMAC AES\n[Function Name]\nDecryption\n[Bitlength of Key]\n256\n"
             "[Min BitLength of IV]\n96\n[Max BitLength of Plaintext]\n129\n"
             "[Max BitLength of Ciphertext] z\n-9\n");
-
-  // "[Key]" and "[Hash]" are only echoed once the function is MAC.
-  const Parsed mac = parse(
-      "[Key]\n00\n[Algorithm Name]\nHMAC\n[Function Name]\nMAC\n[Hash]\nM_Hash_SHA384\n"
-      "[Bitlength of Key]\n160\n[Key]\nabcd\n");
-  EXPECT_EQ(mac.result, 0);
-  EXPECT_EQ(mac.config.mode, ModeId::HMAC);
-  EXPECT_EQ(mac.config.hashId, HashId::SHA384);
-  EXPECT_EQ(mac.response,
-            "[Algorithm Name]\nHMAC\n[Function Name]\nMAC\n[Hash]\nM_Hash_SHA384\n"
-            "[Bitlength of Key]\n160\n[Key]\nabcd\n");
 }
 
 TEST(RequestHeader, ResolvesFunctionAndAlgorithm) {
+  const char* const kHash = "[Hash]\nM_Hash_SHA384\n";
+  const char* const kFormat = "[Data Format]\nM_Hash_Byte\n";
   struct Case {
-    std::string_view algorithm;
-    std::string_view function;
-    std::string_view rest;
-    TestFunction testFunction;
-    ModeId mode;
-    HashId hashId;
+    const char *algorithm, *function, *rest, *fields;
   };
   const Case cases[] = {
-      {"SHA-224", "Hash", "[Data Format]\nM_Hash_Byte\n", TestFunction::HASH, ModeId::SHA224,
-       HashId::SHA224},
-      {"DSA FIPS 186-3", "Sign", "[Hash]\nM_Hash_SHA1\n", TestFunction::SIGN, ModeId::DSA,
-       HashId::SHA1},
-      {"ECDSA", "Key Generation", "[Hash]\nunknown\n", TestFunction::KEY_GENERATION, ModeId::ECDSA,
-       HashId::NONE},
-      {"RSASSA", "Verification", "[Hash]\nM_Hash_SHA512\n", TestFunction::VERIFICATION,
-       ModeId::RSASSA, HashId::SHA512},
-      {"ECDSA", "Public Key Validation", "[Characteristic]\nprime\n",
-       TestFunction::PUBLIC_KEY_VALIDATION, ModeId::ECDSA, HashId::NONE},
+      {"DSA FIPS 186-4", "Key Generation", kHash, "2 8 5 0 0 0 0 0 -"},
+      {"ECDSA", "Key Generation", kHash, "2 9 5 0 0 0 0 0 -"},
+      {"RSASSA", "Key Generation", kHash, "2 10 5 0 0 0 0 0 -"},
+      {"DSA FIPS 186-4", "Sign", kHash, "4 8 5 0 0 0 0 0 -"},
+      {"ECDSA", "Public Key Validation", "[Characteristic]\nprime\n", "3 9 0 0 0 0 0 0 -"},
+      {"SHA-1", "Hash", kFormat, "6 2 2 0 0 0 0 0 -"},
+      {"SHA-512", "Hash", kFormat, "6 6 6 0 0 0 0 0 -"},
+      {"HMAC", "MAC", "[Hash]\nno hash\n[Bitlength of Key]\n384\n", "7 7 0 48 0 0 0 0 -"},
   };
   for (const Case& row : cases) {
-    SCOPED_TRACE(row.function);
-    const Parsed parsed =
-        parse("[Algorithm Name]\n" + std::string(row.algorithm) + "\n[Function Name]\n" +
-              std::string(row.function) + "\n" + std::string(row.rest));
+    SCOPED_TRACE(std::string(row.algorithm) + " " + row.function);
+    const std::string header = std::string("[Algorithm Name]\n") + row.algorithm +
+                               "\n[Function Name]\n" + row.function + "\n";
+    const Parsed parsed = parse(header + row.rest);
     EXPECT_EQ(parsed.result, 0) << parsed.console;
-    EXPECT_EQ(parsed.config.testFunction, row.testFunction);
-    EXPECT_EQ(parsed.config.mode, row.mode);
-    EXPECT_EQ(parsed.config.hashId, row.hashId);
+    EXPECT_EQ(fieldsOf(parsed.config), row.fields);
+    EXPECT_EQ(parsed.response, header + (row.rest == kHash ? "" : row.rest));
   }
 }
 
@@ -101,20 +96,10 @@ const std::string kFfc =
     "[L = 2048]\n[N = 256]\n[HashAlgorithm = SHA-512]\n[BitLengthOfMessage = 1024]\n"
     "[NumberOfMessages = 7]\n";
 
-// fieldsOf returns what a value-list header fills in: function, mode, hash, key length, subgroup
-// length, message length, count, flags and curve.
-std::string fieldsOf(const TestConfig& config) {
-  std::string fields;
-  for (const int number : {static_cast<int>(config.testFunction), static_cast<int>(config.mode),
-                           static_cast<int>(config.hashId), config.keyLength, config.subgroupLength,
-                           config.messageLength, config.count, static_cast<int>(config.flags)}) {
-    fields += std::to_string(number) + " ";
-  }
-  return fields + (config.curveName != nullptr ? config.curveName : "-");
-}
-
 TEST(ValueListHeader, FillsTheConfig) {
+  const std::string other = edited(edited(kDrbg, "AES-256", "AES-128"), "= 128", "= 256");
   EXPECT_EQ(fieldsOf(parse(kDrbg).config), "10 1 0 16 0 63 15 1 -");
+  EXPECT_EQ(fieldsOf(parse(other).config), "10 1 0 32 0 63 15 1 -");
   EXPECT_EQ(fieldsOf(parse(kEcdsa).config), "5 9 3 28 0 128 15 1 P-384");
   EXPECT_EQ(fieldsOf(parse(kFfc).config), "5 8 6 256 32 128 7 1 -");
 }
@@ -172,15 +157,16 @@ TEST(Command, TellsItsOutcomeByExitStatus) {
   EXPECT_EQ(same.console, "can't open " + alias + "\n");
   EXPECT_EQ(readFile(request), before);
 
-  // A full disk: the header lines, then the echo.
+  // A full disk is met by the first three lines, a file size limit of one block by the echo.
   const Outcome full = runCommand({request, "/dev/full"});
-  EXPECT_EQ(full.status, 0);
-  EXPECT_EQ(full.console, "can't write /dev/full\ncan't write /dev/full\n");
-
-  // A file size limit is no different.
-  const Outcome limited = runCommand({request, response}, "ulimit -f 0; " RUNNER_BINARY);
-  EXPECT_EQ(limited.status, 0);
-  EXPECT_EQ(limited.console, "can't write " + response + "\ncan't write " + response + "\n");
+  EXPECT_EQ(full.status, 255);
+  EXPECT_EQ(full.console, "can't write /dev/full\n");
+  std::string longer = before;
+  while (longer.size() < 1024) longer += before;
+  writeFile(request, longer);
+  const Outcome limited = runCommand({request, response}, "ulimit -f 1; " RUNNER_BINARY);
+  EXPECT_EQ(limited.status, 255);
+  EXPECT_EQ(limited.console, "can't write " + response + "\n");
 }
 
 }  // namespace
