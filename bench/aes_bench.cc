@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -100,10 +101,12 @@ void multiBlockMessage(benchmark::State& state) {
       [&] {
         std::vector<char> line(digits.size() + 1);
         const runner::FileHandle request(std::fopen(files.request(), "r"));
-        for (int skipped = 0; skipped < 7; ++skipped) {
-          (void)std::fgets(line.data(), static_cast<int>(line.size()), request.get());
+        // The message stands on the eighth line.
+        for (int number = 0; number < 8; ++number) {
+          if (std::fgets(line.data(), static_cast<int>(line.size()), request.get()) == nullptr) {
+            std::abort();
+          }
         }
-        (void)std::fgets(line.data(), static_cast<int>(line.size()), request.get());
         std::vector<std::uint8_t> message(16 * kBlocks, 0xAA);
         cipher.run(message.data(), message.size(), message.data());
         const runner::FileHandle response(std::fopen(files.response(), "a"));
