@@ -26,7 +26,7 @@ namespace {
 [[noreturn]] void becomeRun(const std::function<int()>& run, int console, pid_t parent) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (getppid() != parent || dup2(console, STDOUT_FILENO) < 0) _exit(2);
-  prepareProcess();
+  if (!prepareProcess()) _exit(2);
   const int status = run();
   std::fflush(stdout);
   _exit(status);

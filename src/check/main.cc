@@ -132,7 +132,7 @@ std::optional<int> readCommandLine(int argc, char** argv, CommandLine& commandLi
 }  // namespace
 
 int main(int argc, char** argv) {
-  runner::prepareProcess();
+  if (!runner::prepareProcess()) return 2;
   CommandLine commandLine;
   const auto status = readCommandLine(argc, argv, commandLine);
   if (status) return *status;

@@ -13,10 +13,10 @@ namespace {
 
 using Tag = std::array<std::uint8_t, kTagLength>;
 
-// computeGnutls turns the input into the output and writes the tag that belongs to both. Returns 0
+// compute_gnutls turns the input into the output and writes the tag that belongs to both. Returns 0
 // or, after a line on standard output, the error code.
-int computeGnutls(const GnutlsDirection& direction, const TestConfig& config, AeadParams& params,
-                  std::uint8_t* tag) {
+int compute_gnutls(const GnutlsDirection& direction, const TestConfig& config, AeadParams& params,
+                   std::uint8_t* tag) {
   const auto algorithm =
       byKeyLength(config.keyLength, GNUTLS_CIPHER_AES_128_GCM, GNUTLS_CIPHER_AES_256_GCM);
   const gnutls_datum_t key = datum(params.key.data(), config.keyLength);
@@ -49,10 +49,10 @@ struct OpensslDirection {
   const char* textError;
 };
 
-// computeOpenssl runs the steps up to the text in a new `context`, null if there was no memory for
+// compute_openssl runs the steps up to the text in a new `context`, null if there was no memory for
 // one, and sets outputLength. Returns 0, or -1 after a line on standard output.
-int computeOpenssl(const OpensslDirection& direction, EVP_CIPHER_CTX* context,
-                   const TestConfig& config, AeadParams& params) {
+int compute_openssl(const OpensslDirection& direction, EVP_CIPHER_CTX* context,
+                    const TestConfig& config, AeadParams& params) {
   if (context == nullptr) return failIn(direction.name, "context create error!!");
   const EVP_CIPHER* const cipher =
       byKeyLength(config.keyLength, EVP_aes_128_gcm(), EVP_aes_256_gcm());
@@ -113,7 +113,7 @@ int execAeadDecrypt(const TestConfig& config, AeadParams& params) {
 int aead_encrypt_gnutls(const TestConfig& config, AeadParams& params) {
   constexpr GnutlsDirection kEncryption{"aead_encrypt_gnutls", gnutls_cipher_encrypt2,
                                         "encrypt error!!"};
-  const int result = computeGnutls(kEncryption, config, params, params.tag.data());
+  const int result = compute_gnutls(kEncryption, config, params, params.tag.data());
   return result < 0 ? result : params.inputLength;
 }
 
@@ -121,7 +121,7 @@ int aead_decrypt_gnutls(const TestConfig& config, AeadParams& params) {
   constexpr GnutlsDirection kDecryption{"aead_decrypt_gnutls", gnutls_cipher_decrypt2,
                                         "decrypt error!!"};
   Tag computed{};
-  const int result = computeGnutls(kDecryption, config, params, computed.data());
+  const int result = compute_gnutls(kDecryption, config, params, computed.data());
   if (result < 0 || std::memcmp(computed.data(), params.tag.data(), kTagLength) != 0) {
     discardOutput(params);
     return result;
@@ -135,7 +135,7 @@ int aead_encrypt_openssl(const TestConfig& config, AeadParams& params) {
                                          EVP_EncryptUpdate, "setting AAD error!!",
                                          "encryption error!!"};
   const CipherContext context(EVP_CIPHER_CTX_new());
-  if (computeOpenssl(kEncryption, context.get(), config, params) < 0) return -1;
+  if (compute_openssl(kEncryption, context.get(), config, params) < 0) return -1;
   int finished = 0;
   if (EVP_EncryptFinal_ex(context.get(), params.output.data() + params.outputLength, &finished) !=
       kOpensslOk) {
@@ -154,7 +154,7 @@ int aead_decrypt_openssl(const TestConfig& config, AeadParams& params) {
                                          EVP_DecryptUpdate, "updating by AAD error!!",
                                          "decryption error!!"};
   const CipherContext context(EVP_CIPHER_CTX_new());
-  if (computeOpenssl(kDecryption, context.get(), config, params) < 0) {
+  if (compute_openssl(kDecryption, context.get(), config, params) < 0) {
     discardOutput(params);
     return -1;
   }

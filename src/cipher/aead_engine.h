@@ -9,14 +9,15 @@
 // AES-GCM (SP 800-38D) with a tag of 16 bytes through the engine of the run. Each call makes its
 // own cipher context and releases it. A key length of 32 bytes selects AES-256-GCM, any other
 // AES-128-GCM. GnuTLS gets the key with its length: it refuses other lengths than 16, 24 and 32
-// bytes, and with AES instructions of the processor it uses a 24-byte key whole. OpenSSL's AES-128
-// reads the first 16 bytes of any key. Which IV lengths work is up to the engine, too.
+// bytes, and a 24-byte key it uses whole with AES instructions of the processor and refuses
+// without. OpenSSL's AES-128 reads the first 16 bytes of any key. Which IV lengths work is up to
+// the engine, too.
 
 namespace runner {
 
 inline constexpr std::size_t kTagLength = 16;
 
-// What OpenSSL reads of a key, whatever its length, in bytes.
+// The least that OpenSSL reads of a key, in bytes: AES-128 takes 16, however short keyLength is.
 inline constexpr std::size_t kMinKeyRoom = 16;
 
 // AeadParams are the texts of one AES-GCM case. The caller allocates the buffers, once for all of

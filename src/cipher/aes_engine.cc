@@ -6,9 +6,9 @@
 namespace runner {
 namespace {
 
-int computeGnutls(const GnutlsDirection& direction, const TestConfig& config,
-                  const std::uint8_t* in, int len, const std::uint8_t* key, const std::uint8_t* iv,
-                  std::uint8_t* out) {
+int compute_gnutls(const GnutlsDirection& direction, const TestConfig& config,
+                   const std::uint8_t* in, int len, const std::uint8_t* key, const std::uint8_t* iv,
+                   std::uint8_t* out) {
   if (config.mode == ModeId::ECB) return failWith("not supported!!");
   const auto algorithm =
       byKeyLength(config.keyLength, GNUTLS_CIPHER_AES_128_CBC, GNUTLS_CIPHER_AES_256_CBC);
@@ -75,14 +75,14 @@ int encrypt_gnutls(const TestConfig* config, const std::uint8_t* in, int len,
                    const std::uint8_t* key, const std::uint8_t* iv, std::uint8_t* out) {
   constexpr GnutlsDirection kEncryption{"encrypt_gnutls", gnutls_cipher_encrypt2,
                                         "encrypt error!!"};
-  return computeGnutls(kEncryption, *config, in, len, key, iv, out);
+  return compute_gnutls(kEncryption, *config, in, len, key, iv, out);
 }
 
 int decrypt_gnutls(const TestConfig* config, const std::uint8_t* in, int len,
                    const std::uint8_t* key, const std::uint8_t* iv, std::uint8_t* out) {
   constexpr GnutlsDirection kDecryption{"decrypt_gnutls", gnutls_cipher_decrypt2,
                                         "decrypt error!!"};
-  return computeGnutls(kDecryption, *config, in, len, key, iv, out);
+  return compute_gnutls(kDecryption, *config, in, len, key, iv, out);
 }
 
 int encrypt_openssl(ModeId mode, const std::uint8_t* in, int len, const std::uint8_t* key,

@@ -2,6 +2,7 @@
 #define RUNNER_CIPHER_AES_STEPS_H_
 
 #include <cstddef>
+#include <cstdint>
 
 #include "cipher/aes_engine.h"
 #include "driver/test_config.h"

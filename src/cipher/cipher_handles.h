@@ -17,7 +17,7 @@
 
 namespace runner {
 
-// OpenSSL's result of success.
+// What OpenSSL's cipher calls return on success.
 inline constexpr int kOpensslOk = 1;
 
 using CipherHandle = Owner<std::remove_pointer_t<gnutls_cipher_hd_t>, gnutls_cipher_deinit>;

@@ -132,7 +132,7 @@ int runAead(const TestConfig& config, TestFiles& files) {
   const std::size_t capacity = std::max(2 * sizeOf(config.maxTextLength) + 2, kMinLineCapacity);
   if (setLineCapacity(files, capacity, 6560) < 0) return -1;
   int count = 0;
-  if (echoSection(files, countKey, 6565) < 0 || echoPositive(files, count, nullptr) < 0) return -1;
+  if (echoCount(files, countKey, count, 6565) < 0) return -1;
   AeadParams params;
   if (allocateParams(config, params) < 0) return -1;
   return runCases(config, files, params, count);

@@ -46,7 +46,7 @@ KatKeys formatKeys(const TestConfig& config, const char* variant) {
   return keys;
 }
 
-struct KatTest {
+struct KnownAnswers {
   const TestConfig& config;
   TestFiles& files;
   KatKeys keys;
@@ -54,26 +54,26 @@ struct KatTest {
   std::string_view lastLine{};  // of the first list, or the one that ended it
 };
 
-std::size_t keySize(const KatTest& test) { return sizeOf(test.config.keyLength); }
+std::size_t keySize(const KnownAnswers& test) { return sizeOf(test.config.keyLength); }
 
-std::span<std::uint8_t> keyOf(const KatTest& test, KatEntry& entry) {
+std::span<std::uint8_t> keyOf(const KnownAnswers& test, KatEntry& entry) {
   return std::span(entry.key).first(keySize(test));
 }
 
 // nextEntryLine reads the next line of a list; nothing at the section line or the end of the file
 // that ends it.
-std::optional<std::string_view> nextEntryLine(KatTest& test) {
+std::optional<std::string_view> nextEntryLine(KnownAnswers& test) {
   const auto line = nextLine(test.files);
   test.lastLine = line.value_or("");
   return line && !line->starts_with('[') ? line : std::nullopt;
 }
 
-int compute(const KatTest& test, KatEntry& entry, CipherSites sites) {
+int compute(const KnownAnswers& test, KatEntry& entry, CipherSites sites) {
   return computeCipher(test.config, entry.input.data(), kBlockLength, entry.key.data(),
                        kZeroBlock.data(), entry.output.data(), sites);
 }
 
-void writeKeySection(const KatTest& test) {
+void writeKeySection(const KnownAnswers& test) {
   TextWriter& response = test.files.response;
   writeLine(response, test.keys.key.data());
   for (const KatEntry& entry : test.entries) {
@@ -81,19 +81,19 @@ void writeKeySection(const KatTest& test) {
   }
 }
 
-void writeInputSection(const KatTest& test) {
+void writeInputSection(const KnownAnswers& test) {
   TextWriter& response = test.files.response;
   writeLine(response, test.keys.input.data());
   for (const KatEntry& entry : test.entries) writeBlockHex(response, entry.input);
 }
 
-void writeIvSection(const KatTest& test) {
+void writeIvSection(const KnownAnswers& test) {
   if (!isCbc(test.config)) return;
   writeLine(test.files.response, test.keys.iv.data());
   writeBlockHex(test.files.response, kZeroBlock);
 }
 
-void writeOutputSection(const KatTest& test) {
+void writeOutputSection(const KnownAnswers& test) {
   TextWriter& response = test.files.response;
   writeLine(response, test.keys.output.data());
   for (const KatEntry& entry : test.entries) {
@@ -101,7 +101,7 @@ void writeOutputSection(const KatTest& test) {
   }
 }
 
-int runVarText(KatTest& test) {
+int runVarText(KnownAnswers& test) {
   if (enterSection(test.files, test.keys.input.data(), 2087) < 0) return -1;
   int result = 0;
   while (const auto line = nextEntryLine(test)) {
@@ -123,7 +123,7 @@ int runVarText(KatTest& test) {
 // readFirstList reads the keys (encryption) or the blocks (decryption) up to the end of the list or
 // the first line that does not convert, whose entry stays in the list. Returns false when there was
 // no memory for an entry, which ends the list too.
-bool readFirstList(KatTest& test) {
+bool readFirstList(KnownAnswers& test) {
   const bool encrypts = isEncryption(test.config);
   while (const auto line = nextEntryLine(test)) {
     KatEntry* const entry = test.entries.append();
@@ -141,8 +141,8 @@ bool readFirstList(KatTest& test) {
   return true;
 }
 
-// readKeys reads one key for each block. Entries left without a key keep the zero key.
-void readKeys(KatTest& test) {
+// readKeysOfBlocks reads one key for each block. Entries left without a key keep the zero key.
+void readKeysOfBlocks(KnownAnswers& test) {
   for (KatEntry& entry : test.entries) {
     const auto line = nextLine(test.files);
     if (!line) {
@@ -162,14 +162,14 @@ void readKeys(KatTest& test) {
 
 // enterKeySection goes to the keys, which follow at once when their section line ended the first
 // list.
-int enterKeySection(KatTest& test) {
+int enterKeySection(KnownAnswers& test) {
   const char* const key = test.keys.key.data();
   if (test.lastLine.starts_with(key)) return 0;
   return enterSection(test.files, key, 2225);
 }
 
 // computeEntries returns the result of the last engine call, or the negative one that failed.
-int computeEntries(KatTest& test) {
+int computeEntries(KnownAnswers& test) {
   int result = 0;
   for (KatEntry& entry : test.entries) {
     result = compute(test, entry, {.encryption = 2253, .decryption = 2255});
@@ -179,7 +179,7 @@ int computeEntries(KatTest& test) {
 }
 
 // encryptUnderKeys writes the plaintext, which is the zero block, once for all keys.
-int encryptUnderKeys(KatTest& test) {
+int encryptUnderKeys(KnownAnswers& test) {
   const int result = computeEntries(test);
   if (result < 0) return result;
   writeLine(test.files.response, test.keys.input.data());
@@ -191,9 +191,9 @@ int encryptUnderKeys(KatTest& test) {
 }
 
 // decryptUnderKeys writes the section keys alone when there are no blocks.
-int decryptUnderKeys(KatTest& test) {
+int decryptUnderKeys(KnownAnswers& test) {
   if (enterKeySection(test) < 0) return -1;
-  readKeys(test);
+  readKeysOfBlocks(test);
   const int result = computeEntries(test);
   if (result < 0) return result;
   writeInputSection(test);
@@ -207,7 +207,7 @@ int decryptUnderKeys(KatTest& test) {
   return result;
 }
 
-int runVarKey(KatTest& test) {
+int runVarKey(KnownAnswers& test) {
   const bool encrypts = isEncryption(test.config);
   const char* const listKey = encrypts ? test.keys.key.data() : test.keys.input.data();
   if (enterSection(test.files, listKey, 2202) < 0) return -1;
@@ -222,7 +222,7 @@ int procKAT_VarText(const TestConfig& config, const char* requestPath, const cha
                     const char* variant) {
   TestFiles files{requestPath, responsePath, kAesLineCapacity};
   if (openAesFiles(files, config) < 0) return -1;
-  KatTest test{.config = config, .files = files, .keys = formatKeys(config, variant)};
+  KnownAnswers test{.config = config, .files = files, .keys = formatKeys(config, variant)};
   return closeFiles(files, runVarText(test));
 }
 
@@ -230,7 +230,7 @@ int procKAT_VarKey(const TestConfig& config, const char* requestPath, const char
                    const char* variant) {
   TestFiles files{requestPath, responsePath, kAesLineCapacity};
   if (openAesFiles(files, config) < 0) return -1;
-  KatTest test{.config = config, .files = files, .keys = formatKeys(config, variant)};
+  KnownAnswers test{.config = config, .files = files, .keys = formatKeys(config, variant)};
   return closeFiles(files, runVarKey(test));
 }
 

@@ -3,12 +3,12 @@
 
 #include "driver/test_config.h"
 
-namespace runner {
-
 // The known-answer tests compute lists of single AES blocks, each with the zero IV. In all keys, %s
 // stands for the variant: "Text" and "GFSbox" with the zero key, "Key" and "KeySbox" with the zero
 // plaintext. A list is all lines up to the next section or the end of the file.
-//
+
+namespace runner {
+
 // procKAT_VarText reads
 //   [Plaintext for KAT-%s]   blocks of 32 digits (decryption: [Ciphertext for KAT-%s])
 // and writes
@@ -34,9 +34,9 @@ namespace runner {
 //   [IV for KAT-%s]          the zero IV (CBC only)
 //   [Key for KAT-%s]         the keys
 //   [Ciphertext for KAT-%s]  the results (decryption: [Plaintext for KAT-%s])
-// A line that does not convert, or for which there is no memory, ends its list, the first with that
-// entry; the entries read so far are computed and written (an encryption for which the memory does
-// not reach for one entry fails with nothing written). So are blocks left without a key, under the
+// A line that does not convert ends its list, and so does a lack of memory; of the first list, the
+// entry of such a line is kept. What was read is computed and written. An encryption without memory
+// for its first entry writes nothing and fails. Blocks left without a key are computed under the
 // zero key, after "unexpected EOF!!" or "unexpected end of key data!!". A decryption without blocks
 // writes the section keys alone.
 //

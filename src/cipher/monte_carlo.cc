@@ -42,10 +42,8 @@ int readParameters(const TestConfig& config, TestFiles& files, MonteCarlo& state
   const auto key = std::span(state.key).first(sizeOf(config.keyLength));
   const char* const textKey =
       isEncryption(config) ? "[Initial Plaintext for MCT]" : "[Initial Ciphertext for MCT]";
-  if (echoSection(files, "[Number of Inner-loop for MCT]", 2449) < 0 ||
-      echoPositive(files, state.innerCount, nullptr) < 0 ||
-      echoSection(files, "[Number of Outer-loop for MCT]", 2461) < 0 ||
-      echoPositive(files, state.outerCount, nullptr) < 0 ||
+  if (echoCount(files, "[Number of Inner-loop for MCT]", state.innerCount, 2449) < 0 ||
+      echoCount(files, "[Number of Outer-loop for MCT]", state.outerCount, 2461) < 0 ||
       echoHexSection(files, "[Initial Key for MCT]", key, {.section = 2473, .value = 2476}) < 0 ||
       echoHexSection(files, textKey, blockOf(state.text), {.section = 2481, .value = 2484}) < 0) {
     return -1;
@@ -86,8 +84,8 @@ int runInnerLoop(const TestConfig& config, MonteCarlo& state) {
   return result;
 }
 
-// updateKey derives the key of the next iteration: the last two outputs change a 32-byte key, if
-// the iteration had two steps, and the last one the first 16 bytes of any other.
+// updateKey derives the key of the next iteration: the last two outputs change a 32-byte key when
+// the iteration had at least two steps; otherwise the last one changes the first 16 bytes.
 void updateKey(const TestConfig& config, MonteCarlo& state) {
   const std::span key(state.key);
   const bool takesTwo = sizeOf(config.keyLength) == kMaxAesKeyLength && state.innerCount > 1;

@@ -44,8 +44,10 @@ int runMessage(const TestConfig& config, TestFiles& files) {
   Block iv{};
   const char* const inputKey =
       isEncryption(config) ? "[Plaintext for MMT]" : "[Ciphertext for MMT]";
-  if (echoSection(files, "[Number of Blocks for MMT]", 2346) < 0) return -1;
-  if (echoPositive(files, blocks, "illegal blknum!!", kMaxBlocks) < 0) return -1;
+  if (echoCount(files, "[Number of Blocks for MMT]", blocks, 2346, "illegal blknum!!", kMaxBlocks) <
+      0) {
+    return -1;
+  }
   if (echoHexSection(files, "[Key for MMT]", key, {.section = 2360, .value = 2363}) < 0) return -1;
   if (isCbc(config) &&
       echoHexSection(files, "[IV for MMT]", iv, {.section = 2369, .value = 2372}) < 0) {

@@ -5,6 +5,6 @@
 // run ended before its tests, otherwise 0.
 int main(int argc, char** argv) {
   if (argc < 3) return 1;
-  runner::prepareProcess();
+  if (!runner::prepareProcess()) return 255;
   return runner::runRequest(argv[1], argv[2]);
 }

@@ -19,8 +19,8 @@ constexpr std::size_t kAlgorithmNameCapacity = 32;
 
 // The items of a header that count for completeness.
 struct CountedItems {
-  bool function = false;   // an accepted function, or a mode of operation
-  bool algorithm = false;  // the name of a function, accepted or not
+  bool accepted = false;  // the algorithm goes with the function, or a mode of operation is there
+  bool function = false;  // a known function, whether the algorithm goes with it or not
   bool modeOrFormat = false;
   bool keyLength = false;
   bool maxTextLength = false;
@@ -29,26 +29,32 @@ struct CountedItems {
   bool operator==(const CountedItems&) const = default;
 };
 
-// What a request must have, no less and no more, by TestFunction. No bracket header asks for DRBG,
-// the last function.
+// What a request must have, no less and no more.
+struct Requirement {
+  TestFunction function;
+  CountedItems items;
+};
 constexpr CountedItems kCipherItems{
-    .function = true, .algorithm = true, .modeOrFormat = true, .keyLength = true};
-constexpr CountedItems kSignatureItems{.function = true, .algorithm = true, .hash = true};
+    .accepted = true, .function = true, .modeOrFormat = true, .keyLength = true};
+constexpr CountedItems kSignatureItems{.accepted = true, .function = true, .hash = true};
 constexpr CountedItems kAeadItems{
-    .function = true, .algorithm = true, .keyLength = true, .maxTextLength = true};
-constexpr std::array<CountedItems, 10> kRequiredItems{{
-    kCipherItems,                                                 // ENCRYPTION
-    kCipherItems,                                                 // DECRYPTION
-    kSignatureItems,                                              // KEY_GENERATION
-    {.function = true, .algorithm = true},                        // PUBLIC_KEY_VALIDATION
-    kSignatureItems,                                              // SIGN
-    kSignatureItems,                                              // VERIFICATION
-    {.function = true, .algorithm = true, .modeOrFormat = true},  // HASH
-    {.function = true, .algorithm = true, .keyLength = true, .hash = true},  // MAC
-    kAeadItems,                                                              // AEAD_ENCRYPTION
-    kAeadItems,                                                              // AEAD_DECRYPTION
-}};
-static_assert(kRequiredItems.size() == static_cast<std::size_t>(TestFunction::DRBG));
+    .accepted = true, .function = true, .keyLength = true, .maxTextLength = true};
+constexpr CountedItems kKeyItems{.accepted = true, .function = true};
+constexpr CountedItems kHashItems{.accepted = true, .function = true, .modeOrFormat = true};
+constexpr CountedItems kMacItems{
+    .accepted = true, .function = true, .keyLength = true, .hash = true};
+constexpr auto kRequirements = std::to_array<Requirement>({
+    {TestFunction::ENCRYPTION, kCipherItems},
+    {TestFunction::DECRYPTION, kCipherItems},
+    {TestFunction::KEY_GENERATION, kSignatureItems},
+    {TestFunction::PUBLIC_KEY_VALIDATION, kKeyItems},
+    {TestFunction::SIGN, kSignatureItems},
+    {TestFunction::VERIFICATION, kSignatureItems},
+    {TestFunction::HASH, kHashItems},
+    {TestFunction::MAC, kMacItems},
+    {TestFunction::AEAD_ENCRYPTION, kAeadItems},
+    {TestFunction::AEAD_DECRYPTION, kAeadItems},
+});
 
 struct FunctionName {
   std::string_view name;
@@ -108,7 +114,7 @@ struct HeaderKey {
   std::string_view text;
   Item item;
 };
-constexpr HeaderKey kHeaderKeys[] = {
+constexpr auto kHeaderKeys = std::to_array<HeaderKey>({
     {kDrbgRequestKey, Item::DRBG_REQUEST},
     {kSignatureRequestKey, Item::SIGNATURE_REQUEST},
     {"[Algorithm Name]", Item::ALGORITHM_NAME},
@@ -130,7 +136,7 @@ constexpr HeaderKey kHeaderKeys[] = {
     {"[Min BitLength of AAD]", Item::ECHOED},
     {"[Max BitLength of AAD]", Item::ECHOED},
     {"[Bitlength of Tag]", Item::ECHOED},
-};
+});
 
 // What a header line means for the scan.
 enum class Step {
@@ -186,7 +192,7 @@ bool acceptAlgorithm(TestConfig& config, std::string_view name) {
       for (const HashProperties& hash : kHashTable) {
         if (!name.starts_with(hash.algorithmName)) continue;
         config.hashId = hash.id;
-        config.mode = static_cast<ModeId>(hash.id);
+        config.mode = hash.mode;
         return true;
       }
       return false;
@@ -238,11 +244,11 @@ Step readFunction(HeaderScan& scan, std::string_view key) {
   if (!setFunction(scan.config, echoValue(scan, key), scan.algorithmName)) {
     return stopWith("unexpected function name!!");
   }
-  scan.seen.algorithm = true;
+  scan.seen.function = true;
   if (!acceptAlgorithm(scan.config, scan.algorithmName)) {
     return stopWith("unexpected algorithm name!!");
   }
-  scan.seen.function = true;
+  scan.seen.accepted = true;
   return Step::NEXT;
 }
 
@@ -256,7 +262,7 @@ Step readMode(HeaderScan& scan, std::string_view key) {
   } else {
     return stopWith("unexpected operation mode name!!");
   }
-  scan.seen.function = true;
+  scan.seen.accepted = true;
   scan.seen.modeOrFormat = true;
   return Step::NEXT;
 }
@@ -272,7 +278,9 @@ Step readHash(HeaderScan& scan, std::string_view key) {
   const bool echoed = scan.config.testFunction == TestFunction::MAC;
   const std::string_view value = echoed ? echoValue(scan, key) : nextValue(scan.files);
   for (const HashProperties& hash : kHashTable) {
-    if (value.starts_with(hash.name)) scan.config.hashId = hash.id;
+    if (!value.starts_with(hash.name)) continue;
+    scan.config.hashId = hash.id;
+    break;
   }
   scan.seen.hash = true;
   return Step::NEXT;
@@ -350,8 +358,8 @@ Step readSection(HeaderScan& scan, const HeaderKey& key, std::string_view line) 
   return Step::NEXT;
 }
 
-// readLine reads the section that begins with `line`; any other line is skipped.
-Step readLine(HeaderScan& scan, std::string_view line) {
+// readKeyed reads the section that `line` begins; any other line is skipped.
+Step readKeyed(HeaderScan& scan, std::string_view line) {
   for (const HeaderKey& key : kHeaderKeys) {
     if (line.starts_with(key.text)) return readSection(scan, key, line);
   }
@@ -364,14 +372,16 @@ Step scanSections(HeaderScan& scan) {
     const auto line = nextLine(scan.files);
     if (!line) break;
     // All keys are in brackets, and most lines of a large request are not.
-    if (line->starts_with('[')) step = readLine(scan, *line);
+    if (line->starts_with('[')) step = readKeyed(scan, *line);
   }
   return step;
 }
 
 bool isComplete(const HeaderScan& scan) {
-  const auto function = static_cast<std::size_t>(scan.config.testFunction);
-  return function < kRequiredItems.size() && scan.seen == kRequiredItems[function];
+  for (const Requirement& row : kRequirements) {
+    if (row.function == scan.config.testFunction) return scan.seen == row.items;
+  }
+  return false;
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ enum class ModeId : int {
   RSASSA = 10,
 };
 
-// The hash of a request. The five hashes have the same numbers here and in ModeId.
+// The hash of a request.
 enum class HashId : int {
   NONE = 0,
   SHA1 = 2,
@@ -79,6 +79,7 @@ struct TestConfig {
 // HashProperties says what differs from hash to hash (FIPS 180-4) outside the engines.
 struct HashProperties {
   HashId id;
+  ModeId mode;                // of a Hash request
   const char* algorithmName;  // value of "[Algorithm Name]" in a Hash request
   const char* name;           // value of "[Hash]"
   int number;                 // n of "SHA-n"
@@ -87,11 +88,11 @@ struct HashProperties {
 };
 
 inline constexpr std::array<HashProperties, 5> kHashTable{{
-    {HashId::SHA1, "SHA-1", "M_Hash_SHA1", 1, 20, 512},
-    {HashId::SHA224, "SHA-224", "M_Hash_SHA224", 224, 28, 512},
-    {HashId::SHA256, "SHA-256", "M_Hash_SHA256", 256, 32, 512},
-    {HashId::SHA384, "SHA-384", "M_Hash_SHA384", 384, 48, 1024},
-    {HashId::SHA512, "SHA-512", "M_Hash_SHA512", 512, 64, 1024},
+    {HashId::SHA1, ModeId::SHA1, "SHA-1", "M_Hash_SHA1", 1, 20, 512},
+    {HashId::SHA224, ModeId::SHA224, "SHA-224", "M_Hash_SHA224", 224, 28, 512},
+    {HashId::SHA256, ModeId::SHA256, "SHA-256", "M_Hash_SHA256", 256, 32, 512},
+    {HashId::SHA384, ModeId::SHA384, "SHA-384", "M_Hash_SHA384", 384, 48, 1024},
+    {HashId::SHA512, ModeId::SHA512, "SHA-512", "M_Hash_SHA512", 512, 64, 1024},
 }};
 
 // The longest digest of the table, in bytes.

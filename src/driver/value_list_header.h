@@ -23,8 +23,9 @@ enum class ValueListForm : int {
 // fills `config` with what it names. Lines have at most 47 characters; n is a decimal number of at
 // most 6 characters, 7 where the line ends with it and has no newline. The items of a form come in
 // any order, several on a line where their texts allow it; until all are there the last one of a
-// kind counts, and later ones are not looked at. An item that is not a whole "[... = ...]" below,
-// "[L = " and "[N = " included, may stand anywhere in a line.
+// kind counts, and later ones are not looked at. The items in
+// whole brackets, and "[FFCDomainParameterSizeSet = ", begin a line; all others, "[L = " and "[N =
+// " included, may stand anywhere in one.
 //
 //   DRBG   [AlgorithmName = CTR_DRBG no df]
 //          [UnderlyingAlgorithm = AES-n]             n 128 or 256

@@ -7,9 +7,9 @@ namespace runner {
 // value is lastOpensslError.
 
 // While curveLookupPending is not 0, the curve is still to be identified: by the next
-// importEcPublicKey from the domain parameters, or by name in the value-list test. The tests set it
-// before their first key (of a group, in the value-list test) and clear it after each key; those in
-// the bracket form leave it set.
+// importEcPublicKey from the domain parameters, or by name in the value-list test. The tests in
+// the bracket form set it before their first key, clear it after each key and set it again at their
+// end; the value-list test sets it at each group and clears it after each record.
 inline int curveLookupPending = 1;
 
 // The index of the curve that the domain parameters named last; -1 for none.

@@ -13,10 +13,10 @@
 
 namespace runner {
 
-// verifyEcdsa verifies one signature of the key that importEcPublicKey or makeEcKey made, through
+// verifyEcdsa verifies one signature with a key of ec_key.h, through
 // the engine of `config` with its hash. GnuTLS takes the signature algorithm from the mode, RSASSA
-// and DSA included, and returns -1 for any other mode; integers of more than 127 bytes, too long
-// for encodeSigRS, print its line and "encoding signature(rs) failed!!". OpenSSL is
+// and DSA included, and returns -1 for any other mode; a pair that
+// encodeSigRS refuses prints its line and "encoding signature(rs) failed!!". OpenSSL is
 // ecdsa_verify_openssl. Any other engine prints "unsupported engine!!" and returns -1.
 [[nodiscard]] int verifyEcdsa(const TestConfig& config, PubKey key,
                               std::span<const std::uint8_t> message,

@@ -41,6 +41,7 @@ int startGroup(TestFiles& files, Group& group) {
   const std::size_t messageLength = sizeOf(group.config.messageLength);
   if (setLineCapacity(files, 2 * std::max(messageLength, kMaxValueLength) + 9, 4754) < 0) return -1;
   if (!group.message.allocate(messageLength)) return mallocFailedAt(4755);
+  curveLookupPending = 1;
   return allocateValues({&group.x, &group.y, &group.r, &group.s});
 }
 
@@ -81,26 +82,23 @@ int answerRecord(TestFiles& files, Group& group, int number) {
   return 0;
 }
 
-int answerGroup(const TestConfig& config, TestFiles& files) {
-  Group group{.config = config};
-  if (startGroup(files, group) < 0) return -1;
-  curveLookupPending = 1;
-  int number = 0;
-  RecordSearch search = findRecord(files, number, config.count);
-  while (search == RecordSearch::FOUND) {
-    if (answerRecord(files, group, number) < 0) return -1;
-    search = findRecord(files, ++number, config.count);
-  }
-  return search == RecordSearch::ENDED ? 0 : -1;
-}
-
 int answerGroups(const TestConfig& config, TestFiles& files) {
-  int result = -1;  // without a group
-  while (findGroup(files, kGroupMarks)) {
-    result = answerGroup(config, files);
-    if (result < 0) break;
+  Group group{.config = config};
+  RecordCursor cursor{.marks = kGroupMarks, .count = config.count};
+  while (true) {
+    switch (nextPart(files, cursor)) {
+      case Part::GROUP:
+        if (startGroup(files, group) < 0) return -1;
+        break;
+      case Part::RECORD:
+        if (answerRecord(files, group, cursor.number) < 0) return -1;
+        break;
+      case Part::END:
+        return cursor.hadGroup ? 0 : -1;
+      case Part::WRONG:
+        return -1;
+    }
   }
-  return result;
 }
 
 }  // namespace

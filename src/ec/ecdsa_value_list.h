@@ -22,8 +22,8 @@ namespace runner {
 // cannot be made fails its record through OpenSSL, with "    COUNT%d: " and a complaint; through
 // any other engine it ends the test. Returns 0 when there was a group and nothing failed, otherwise
 // -1, after a line on standard output unless there was no group; what was written stays.
-int procVerifyEcdsaRecords(const TestConfig& config, const char* requestPath,
-                           const char* responsePath);
+[[nodiscard]] int procVerifyEcdsaRecords(const TestConfig& config, const char* requestPath,
+                                         const char* responsePath);
 
 }  // namespace runner
 

@@ -45,8 +45,7 @@ int verifySignatures(const TestConfig& config, TestFiles& files) {
   for (const KeyRecord& record : records) {
     const Verdict verdict = verifyRecord(config, domain.params, record, index++);
     curveLookupPending = 0;
-    if (verdict == Verdict::STOP) return -1;
-    writeResultNumber(files, verdict);
+    if (writeResultNumber(files, verdict) < 0) return -1;
   }
   return 0;
 }

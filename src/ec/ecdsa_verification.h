@@ -24,7 +24,8 @@ namespace runner {
 // test. Returns 0 when all results were written, otherwise -1: silently for a number or a length
 // below 1 and for an unknown hash, else after a line on standard output. The curve lookup is
 // pending afterwards.
-int procVerifyEcdsa(const TestConfig& config, const char* requestPath, const char* responsePath);
+[[nodiscard]] int procVerifyEcdsa(const TestConfig& config, const char* requestPath,
+                                  const char* responsePath);
 
 }  // namespace runner
 

@@ -63,7 +63,9 @@ int validateKeys(const TestConfig& config, TestFiles& files, EcDomain& domain, i
     curveLookupPending = 0;
   }
   writeLine(files.response, "[Results]");
-  for (const KeyVerdict& result : verdicts) writeResultNumber(files, result.verdict);
+  for (const KeyVerdict& result : verdicts) {
+    if (writeResultNumber(files, result.verdict) < 0) return -1;
+  }
   return 0;
 }
 

@@ -18,7 +18,8 @@ namespace runner {
 // A key that cannot be imported is not valid for OpenSSL; with GnuTLS it ends the test. Returns 0,
 // or -1: silently for a number of keys below 1, otherwise after a line on standard output. The
 // curve lookup is pending afterwards.
-int procChkPublicKey(const TestConfig& config, const char* requestPath, const char* responsePath);
+[[nodiscard]] int procChkPublicKey(const TestConfig& config, const char* requestPath,
+                                   const char* responsePath);
 
 }  // namespace runner
 

@@ -7,7 +7,6 @@
 #include <openssl/sha.h>
 
 #include <array>
-#include <cstddef>
 #include <span>
 #include <type_traits>
 

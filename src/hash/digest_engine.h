@@ -14,14 +14,14 @@ namespace runner {
 // calcHash writes the digest of the `length` bytes of `data`, which may be null when `length` is 0,
 // to `out`, which has room for the digest length of the hash. Returns 0, or -1 for an unknown hash
 // and when the engine fails; `out` is undefined then.
-int calcHash(HashId hashId, CryptEngine engine, const std::uint8_t* data, int length,
-             std::uint8_t* out);
+[[nodiscard]] int calcHash(HashId hashId, CryptEngine engine, const std::uint8_t* data, int length,
+                           std::uint8_t* out);
 
 // calcHmac writes the HMAC of the `length` bytes of `data` under the config.keyLength bytes of
 // `key`, with the hash and the engine of `config`. It is never truncated. All else is as for
 // calcHash; `key` too may be null when it has no bytes.
-int calcHmac(const TestConfig& config, const std::uint8_t* data, int length, std::uint8_t* out,
-             const std::uint8_t* key);
+[[nodiscard]] int calcHmac(const TestConfig& config, const std::uint8_t* data, int length,
+                           std::uint8_t* out, const std::uint8_t* key);
 
 }  // namespace runner
 

@@ -1,6 +1,5 @@
 #include "hash/short_and_long_messages.h"
 
-#include <algorithm>
 #include <climits>
 #include <cstddef>
 #include <cstdint>
@@ -22,7 +21,7 @@ constexpr std::size_t kParameterCapacity = 128;
 constexpr std::size_t kLineSlack = 7;
 
 // What tells the two tests apart, besides the lengths of their messages.
-struct MessageTest {
+struct MessageList {
   const char* dataKey;
   const char* hashKey;
   const char* macKey;
@@ -34,7 +33,7 @@ struct MessageTest {
   DigestSites digest;
 };
 
-constexpr MessageTest kShortMessages{
+constexpr MessageList kShortMessages{
     .dataKey = "[Data of SMT]",
     .hashKey = "[Hash Value of SMT]",
     .macKey = "[MAC of SMT]",
@@ -46,7 +45,7 @@ constexpr MessageTest kShortMessages{
     .digest = {.hash = 6038, .hmac = 6040},
 };
 
-constexpr MessageTest kLongMessages{
+constexpr MessageList kLongMessages{
     .dataKey = "[Data of SLMT]",
     .hashKey = "[Hash Value of SLMT]",
     .macKey = "[MAC of SLMT]",
@@ -69,7 +68,7 @@ struct MessageLengths {
 };
 
 struct MessageRun {
-  const MessageTest& test;
+  const MessageList& test;
   const TestConfig& config;
   TestFiles& files;
   const HashProperties& hash;
@@ -144,8 +143,7 @@ int runLongMessages(MessageRun& run) {
   // The longest message has count x bound bytes, and the limit of its line must fit an int.
   const int most = (INT_MAX - static_cast<int>(kLineSlack)) / (2 * static_cast<int>(count));
   int bound = 0;
-  if (echoSection(run.files, "[Upperbound of SLMT]", 6131) < 0 ||
-      echoPositive(run.files, bound, "illegal bound!!", most) < 0) {
+  if (echoCount(run.files, "[Upperbound of SLMT]", bound, 6131, "illegal bound!!", most) < 0) {
     return -1;
   }
   const std::size_t step = static_cast<std::size_t>(bound) - 1;

@@ -3,11 +3,11 @@
 
 #include "driver/test_config.h"
 
-namespace runner {
-
 // The message tests of NIST's SHAVS compute the digest or the HMAC of a list of messages whose
 // lengths are fixed by the hash. B is its block length in bytes, 64 up to SHA-256 and 128 above.
-//
+
+namespace runner {
+
 // procSMT, the short message test, reads
 //   [Key]                    2 x keyLength digits (MAC only, not echoed)
 //   [Data of SMT]            B + 1 lines: a message of 0, 1, 2 ... B bytes each

@@ -34,7 +34,7 @@ struct Group {
   Buffer message{};
 };
 
-int startGroup(TestFiles& files, Group& group) {
+int allocateGroup(TestFiles& files, Group& group) {
   const std::size_t messageLength = sizeOf(group.config.messageLength);
   const std::size_t longest = std::max(messageLength, sizeOf(group.config.keyLength));
   if (allocateValues({&group.p, &group.q, &group.g, &group.y, &group.r, &group.s}) < 0) return -1;
@@ -51,10 +51,14 @@ int copyDomainParameters(TestFiles& files, Group& group) {
       std::printf("[WARNING]unexpected data length!! data:%d, expected:%d\n", length,
                   value->expected);
     }
-    if (storeDigits(*value, *digits, 4020) < 0) return -1;
-    writeNamedValue(files, value->name, value->bytes());
+    if (copyDigits(files, *value, *digits, 4020) < 0) return -1;
   }
   return 0;
+}
+
+// startGroup makes room for the values of a group and copies its parameters.
+int startGroup(TestFiles& files, Group& group) {
+  return allocateGroup(files, group) < 0 ? -1 : copyDomainParameters(files, group);
 }
 
 // verifyRecord never stops for a verification that cannot be made: the record fails.
@@ -82,25 +86,23 @@ int answerRecord(TestFiles& files, Group& group) {
   return 0;
 }
 
-int answerGroup(const TestConfig& config, TestFiles& files) {
-  Group group{.config = config};
-  if (startGroup(files, group) < 0 || copyDomainParameters(files, group) < 0) return -1;
-  int number = 0;
-  RecordSearch search = findRecord(files, number, config.count);
-  while (search == RecordSearch::FOUND) {
-    if (answerRecord(files, group) < 0) return -1;
-    search = findRecord(files, ++number, config.count);
-  }
-  return search == RecordSearch::ENDED ? 0 : -1;
-}
-
 int answerGroups(const TestConfig& config, TestFiles& files) {
-  int result = -1;  // without a group
-  while (findGroup(files, kGroupMarks)) {
-    result = answerGroup(config, files);
-    if (result < 0) break;
+  Group group{.config = config};
+  RecordCursor cursor{.marks = kGroupMarks, .count = config.count};
+  while (true) {
+    switch (nextPart(files, cursor)) {
+      case Part::GROUP:
+        if (startGroup(files, group) < 0) return -1;
+        break;
+      case Part::RECORD:
+        if (answerRecord(files, group) < 0) return -1;
+        break;
+      case Part::END:
+        return cursor.hadGroup ? 0 : -1;
+      case Part::WRONG:
+        return -1;
+    }
   }
-  return result;
 }
 
 }  // namespace

@@ -23,8 +23,8 @@ namespace runner {
 // Returns 0 when there was a group and nothing failed. A signature that does not verify, and one
 // that cannot be verified, is no failure. Otherwise -1, after a line on standard output unless
 // there was no group or the file ended before "Result = "; what was written stays.
-int procVerifyDsaRecords(const TestConfig& config, const char* requestPath,
-                         const char* responsePath);
+[[nodiscard]] int procVerifyDsaRecords(const TestConfig& config, const char* requestPath,
+                                       const char* responsePath);
 
 }  // namespace runner
 

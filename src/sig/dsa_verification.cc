@@ -60,9 +60,7 @@ int verifySignatures(const TestConfig& config, TestFiles& files) {
   if (readRecords(files, config.hashId, kRecordSites, request.records) < 0) return -1;
   writeLine(files.response, "[Results]");
   for (const KeyRecord& record : request.records) {
-    const Verdict verdict = verifyRecord(config, request, record);
-    if (verdict == Verdict::STOP) return -1;
-    writeResultNumber(files, verdict);
+    if (writeResultNumber(files, verifyRecord(config, request, record)) < 0) return -1;
   }
   return 0;
 }

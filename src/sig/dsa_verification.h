@@ -24,7 +24,8 @@ namespace runner {
 //
 // Returns 0 when all results were written. Otherwise -1 after a line on standard output; without
 // one for a K or a message length below 1, and for an unknown hash.
-int procVerifyDsa(const TestConfig& config, const char* requestPath, const char* responsePath);
+[[nodiscard]] int procVerifyDsa(const TestConfig& config, const char* requestPath,
+                                const char* responsePath);
 
 }  // namespace runner
 

@@ -29,11 +29,6 @@ void writeHashName(TextWriter& stream, HashId hashId) {
   writeLine(stream, text.data());
 }
 
-int echoCount(TestFiles& files, std::string_view key, int& count, int site) {
-  if (echoSection(files, key, site) < 0) return -1;
-  return echoPositive(files, count, nullptr);
-}
-
 int readKeys(TestFiles& files, const ListSection& list, int recordSite, int count,
              RecordList<KeyRecord>& records) {
   if (echoSection(files, list.key, list.sites.section) < 0) return -1;
@@ -89,8 +84,10 @@ SignatureHalves splitSignature(const KeyRecord& record) {
   return {.r = signature.first(half), .s = signature.subspan(half, half)};
 }
 
-void writeResultNumber(TestFiles& files, Verdict verdict) {
+int writeResultNumber(TestFiles& files, Verdict verdict) {
+  if (verdict == Verdict::STOP) return -1;
   writeDecimal(files.response, verdict == Verdict::PASS ? kVerified : kNotVerified);
+  return 0;
 }
 
 }  // namespace runner

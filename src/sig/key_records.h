@@ -60,10 +60,6 @@ struct RecordSites {
 // number when there is no such hash.
 void writeHashName(TextWriter& stream, HashId hashId);
 
-// echoCount finds the section `key`, writes the key, and reads and writes a decimal number, which
-// it stores in `count`. A number below 1 is not written and fails in silence.
-[[nodiscard]] int echoCount(TestFiles& files, std::string_view key, int& count, int site);
-
 // readKeys finds the section, writes its key, and reads `count` lines of hexadecimal text, each as
 // long as its digits say. It appends a record for each to `records` and writes the bytes;
 // `recordSite` is the allocation of a record.
@@ -97,8 +93,9 @@ struct SignatureHalves {
 // byte of an odd number of bytes belongs to neither.
 SignatureHalves splitSignature(const KeyRecord& record);
 
-// writeResultNumber writes the result line of a record, 0 for PASS and 1 for FAIL.
-void writeResultNumber(TestFiles& files, Verdict verdict);
+// writeResultNumber writes the result line of a record, 0 for PASS and 1 for FAIL, and returns 0.
+// For STOP it writes nothing and returns -1.
+[[nodiscard]] int writeResultNumber(TestFiles& files, Verdict verdict);
 
 }  // namespace runner
 

@@ -59,9 +59,7 @@ int verifySignatures(const TestConfig& config, TestFiles& files) {
   if (readRequest(config, files, request) < 0) return -1;
   writeLine(files.response, "[Results]");
   for (const KeyRecord& record : request.records) {
-    const Verdict verdict = verifyRecord(config, request.modulus, record);
-    if (verdict == Verdict::STOP) return -1;
-    writeResultNumber(files, verdict);
+    if (writeResultNumber(files, verifyRecord(config, request.modulus, record)) < 0) return -1;
   }
   return 0;
 }

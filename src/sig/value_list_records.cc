@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::size_t kNumberCapacity = 128;
 
-}  // namespace
-
+// findGroup copies lines up to and including the next group line. Returns false at the end of the
+// file.
 bool findGroup(TestFiles& files, std::span<const char* const> marks) {
   files.lineCapacity = kValueListLineCapacity;
   while (const auto line = nextLine(files)) {
@@ -28,19 +28,42 @@ bool findGroup(TestFiles& files, std::span<const char* const> marks) {
   return false;
 }
 
-RecordSearch findRecord(TestFiles& files, int expected, int count) {
-  // No record number equals a count below 1: such a group goes on to the end of the file.
-  if (expected > 0 && expected == count) return RecordSearch::ENDED;
+// findRecord copies lines up to and including the next COUNT line. Returns its number; nothing at
+// the end of the file.
+std::optional<int> findRecord(TestFiles& files) {
   std::array<char, kNumberCapacity> number{};
   while (const auto line = nextLine(files)) {
     if (line->starts_with('#')) continue;
     writeText(files.response, *line);
-    if (getStr(*line, "COUNT = ?", number) == 0) continue;
-    if (decimal(number.data()) == expected) return RecordSearch::FOUND;
-    std::printf("[ERR]count %d is not found!!\n", expected);
-    return RecordSearch::WRONG;
+    if (getStr(*line, "COUNT = ?", number) != 0) return decimal(number.data());
   }
-  return RecordSearch::ENDED;
+  return std::nullopt;
+}
+
+void writeNamedValue(TestFiles& files, const char* name, std::span<const std::uint8_t> value) {
+  writeText(files.response, name);
+  writeLowerHex(files.response, value);
+}
+
+}  // namespace
+
+Part nextPart(TestFiles& files, RecordCursor& cursor) {
+  const int expected = cursor.number + 1;
+  // No record number equals a count below 1: such a group goes on to the end of the file.
+  const bool isFull = expected > 0 && expected == cursor.count;
+  if (cursor.inGroup && !isFull) {
+    if (const auto number = findRecord(files)) {
+      cursor.number = expected;
+      if (*number == expected) return Part::RECORD;
+      std::printf("[ERR]count %d is not found!!\n", expected);
+      return Part::WRONG;
+    }
+  }
+  cursor.inGroup = findGroup(files, cursor.marks);
+  if (!cursor.inGroup) return Part::END;
+  cursor.hadGroup = true;
+  cursor.number = -1;
+  return Part::GROUP;
 }
 
 std::optional<std::string_view> nextNamedValue(TestFiles& files, const char* name, int site) {
@@ -64,17 +87,14 @@ int allocateValues(std::initializer_list<NamedValue*> values) {
   return 0;
 }
 
-int storeDigits(NamedValue& value, std::string_view digits, int site) {
+int copyDigits(TestFiles& files, NamedValue& value, std::string_view digits, int site) {
   value.length = measureHex(digits);
   if (value.length > value.storage.size() && !value.storage.allocate(value.length)) {
     return mallocFailedAt(value.allocation);
   }
-  return hexToBin(digits, value.storage.bytes().first(value.length)) < 0 ? failAt(site) : 0;
-}
-
-void writeNamedValue(TestFiles& files, const char* name, std::span<const std::uint8_t> value) {
-  writeText(files.response, name);
-  writeLowerHex(files.response, value);
+  if (hexToBin(digits, value.storage.bytes().first(value.length)) < 0) return failAt(site);
+  writeNamedValue(files, value.name, value.bytes());
+  return 0;
 }
 
 int copyMessage(TestFiles& files, std::span<std::uint8_t> message, NamedValueSites sites) {
@@ -88,8 +108,7 @@ int copyMessage(TestFiles& files, std::span<std::uint8_t> message, NamedValueSit
 int copyValues(TestFiles& files, std::initializer_list<NamedValue*> values, NamedValueSites sites) {
   for (NamedValue* const value : values) {
     const auto digits = nextNamedValue(files, value->name, sites.line);
-    if (!digits || storeDigits(*value, *digits, sites.value) < 0) return -1;
-    writeNamedValue(files, value->name, value->bytes());
+    if (!digits || copyDigits(files, *value, *digits, sites.value) < 0) return -1;
   }
   return 0;
 }

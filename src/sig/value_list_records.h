@@ -55,21 +55,29 @@ struct NamedValue {
   }
 };
 
-// RecordSearch is what a group had next.
-enum class RecordSearch {
-  FOUND,  // the next record
-  ENDED,  // no other record
-  WRONG,  // a record with another number
+// Part is what the request has next.
+enum class Part {
+  GROUP,   // a group line
+  RECORD,  // a record of the group
+  END,     // neither: the file has ended
+  WRONG,   // a record with another number than the next one
 };
 
-// findGroup sets the line capacity back to kValueListLineCapacity and copies lines up to and
-// including the next one that contains all `marks`. Returns false at the end of the file.
-[[nodiscard]] bool findGroup(TestFiles& files, std::span<const char* const> marks);
+// RecordCursor is where a test stands in its request.
+struct RecordCursor {
+  std::span<const char* const> marks;  // what a group line contains
+  int count;                           // the records of a group; below 1 there is no end to them
+  bool inGroup = false;
+  bool hadGroup = false;
+  int number = 0;  // of the last record
+};
 
-// findRecord copies lines up to and including the next COUNT line and tells whether it has the
-// number `expected`; if not, it prints "[ERR]count %d is not found!!" with `expected`. The group
-// has ended at the end of the file and, without reading on, after `count` records.
-[[nodiscard]] RecordSearch findRecord(TestFiles& files, int expected, int count);
+// nextPart copies lines up to and including the next COUNT line of the group, or the next group
+// line when the group has ended or there is none. A group ends at the end of the file and, without
+// reading on, after its records. Outside a group the line capacity is kValueListLineCapacity. WRONG
+// is told:
+// "[ERR]count %d is not found!!" with the number that was expected.
+[[nodiscard]] Part nextPart(TestFiles& files, RecordCursor& cursor);
 
 // nextNamedValue reads the next line and returns what follows `name` ("Msg = ") there. It returns
 // nothing after "unexpected EOF!! (SITE)" at the end of the file, and after
@@ -81,12 +89,11 @@ enum class RecordSearch {
 // "malloc err!! (ALLOCATION)".
 [[nodiscard]] int allocateValues(std::initializer_list<NamedValue*> values);
 
-// storeDigits converts the digits at the start of `digits` into `value`. Returns 0, or -1 after the
-// failure line: that of `site`, or of the allocation when the storage cannot grow.
-[[nodiscard]] int storeDigits(NamedValue& value, std::string_view digits, int site);
-
-// writeNamedValue writes the line of `value`, with its name.
-void writeNamedValue(TestFiles& files, const char* name, std::span<const std::uint8_t> value);
+// copyDigits converts the digits at the start of `digits`, which stand on the line of `value`, into
+// it and writes the line. Returns 0, or -1 after the failure line: that of `site`, or of the
+// allocation when the storage cannot grow.
+[[nodiscard]] int copyDigits(TestFiles& files, NamedValue& value, std::string_view digits,
+                             int site);
 
 // copyMessage reads and writes the message of a record, message.size() bytes whatever the length of
 // the line. Returns 0, or -1 after the failure line.

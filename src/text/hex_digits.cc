@@ -1,10 +1,10 @@
 #include "text/hex_digits.h"
 
 // Each loop here does one thing to every byte, without branches or tables, so that the compiler
-// turns it into vectors. RUNNER_VECTOR_CLONES has a loop compiled for AVX2 as well: the converters
-// of long values are nearly twice as fast with it. The program's loader chooses, which takes x86,
-// GCC's attribute, the GNU C library, and a build without the thread sanitizer, whose run-time
-// library is not there yet when the loader calls.
+// turns it into vectors. RUNNER_VECTOR_CLONES has a loop compiled for AVX2 as well, with which long
+// values are converted nearly twice as fast; the program's loader chooses. That needs x86, GCC's
+// attribute (hence a macro), the GNU C library, and a build without the thread sanitizer, whose
+// run-time library is not there yet when the loader calls.
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && defined(__GLIBC__) && \
     !defined(__SANITIZE_THREAD__)
 #define RUNNER_VECTOR_CLONES __attribute__((target_clones("avx2", "default")))

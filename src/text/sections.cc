@@ -47,6 +47,12 @@ int echoPositive(TestFiles& files, int& value, const char* complaint, int most) 
   return 0;
 }
 
+int echoCount(TestFiles& files, std::string_view key, int& value, int site, const char* complaint,
+              int most) {
+  if (echoSection(files, key, site) < 0) return -1;
+  return echoPositive(files, value, complaint, most);
+}
+
 int readHex(TestFiles& files, std::span<std::uint8_t> out, int site) {
   return hexToBin(nextValue(files), out) < 0 ? failAt(site) : 0;
 }

@@ -12,9 +12,9 @@
 #include "text/test_files.h"
 
 // The steps of which a test procedure consists: find a section of the request, read its values,
-// echo both into the response. A step that can fail returns 0, or -1 when it has printed what is
-// wrong; the `site` that it takes is the number of its failure line. Lines are read with the line
-// capacity of the files.
+// echo both into the response. A step that can fail returns 0, or -1 after a line that
+// says what is wrong, unless its comment says that it is silent; the `site` that it takes is the
+// number of its failure line. Lines are read with the line capacity of the files.
 
 namespace runner {
 
@@ -41,7 +41,7 @@ struct ValueSites {
 [[nodiscard]] int setLineCapacity(TestFiles& files, std::size_t capacity, int site);
 
 // nextLine reads the next line; nothing at the end of the file. The text holds until another line
-// is read.
+// is read or room for one is reserved.
 [[nodiscard]] std::optional<std::string_view> nextLine(TestFiles& files);
 
 // nextValue reads the next line; a line that is missing because the file has ended is an empty one.
@@ -59,6 +59,11 @@ int echoDecimal(TestFiles& files);
 // a line, or in silence when that is null.
 [[nodiscard]] int echoPositive(TestFiles& files, int& value, const char* complaint,
                                int most = INT_MAX);
+
+// echoCount finds the section `key`, writes the key, and reads and writes its number as
+// echoPositive does.
+[[nodiscard]] int echoCount(TestFiles& files, std::string_view key, int& value, int site,
+                            const char* complaint = nullptr, int most = INT_MAX);
 
 // readHex reads the next line as hexadecimal text of out.size() bytes.
 [[nodiscard]] int readHex(TestFiles& files, std::span<std::uint8_t> out, int site);

@@ -47,11 +47,11 @@ void writeHexDigits(TextWriter& stream, std::span<const std::uint8_t> bytes, Dig
 // copyValue copies the value at the start of `text` for getStr.
 int copyValue(std::string_view text, std::span<char> out) {
   const std::size_t length = std::min(text.find_first_of("\r\n] "), text.size());
-  const std::size_t room = out.size() - 1;
+  const std::size_t room = out.empty() ? 0 : out.size() - 1;
   std::copy_n(text.begin(), std::min(length, room), out.begin());
   // A value that fills the room must be the end of the text: a terminator after it is one character
   // too many.
-  if (length > room || (length == room && length < text.size())) {
+  if (out.empty() || length > room || (length == room && length < text.size())) {
     failWith("[ERR]getStr: not enough buffer!!");
     return 0;
   }

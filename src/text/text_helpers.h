@@ -10,8 +10,8 @@
 #include "text/text_stream.h"
 
 // The vocabulary of request and response text: lines of a fixed capacity, section keys,
-// name = value lines, decimal numbers and hexadecimal byte strings. No function here keeps a state
-// or allocates memory.
+// name = value lines, decimal numbers and hexadecimal byte strings. No function here keeps a state,
+// and none allocates memory but the reader's room for a line.
 
 namespace runner {
 
@@ -26,7 +26,7 @@ namespace runner {
 // without a "?" it only tests for presence. A partial match never overlaps the start of the next
 // candidate. Returns 1 when found and 0 when not. A value that leaves no room for the closing zero
 // byte is not found: that prints "[ERR]getStr: not enough buffer!!" and leaves as many of its
-// characters as fit in `out`, which must not be empty.
+// characters as fit in `out`.
 [[nodiscard]] int getStr(std::string_view line, std::string_view pattern, std::span<char> out);
 
 // decimal converts the decimal number at the start of `text` as strtol does: leading white space

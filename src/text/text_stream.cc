@@ -111,9 +111,11 @@ bool TextWriter::create(const char* path) { return open(path, "w"); }
 bool TextWriter::append(const char* path) { return open(path, "a"); }
 
 bool TextWriter::open(const char* path, const char* mode) {
-  if (!block_.allocate(kStreamBlockSize + kMaxExtension)) return false;
   file_ = openUnbuffered(path, mode);
-  if (!file_) return false;
+  if (!file_ || !block_.allocate(kStreamBlockSize + kMaxExtension)) {
+    file_.reset();
+    return false;
+  }
   failed_ = false;
   // A file that has no end to seek, like a pipe, is taken to be empty.
   const long place = std::fseek(file_.get(), 0, SEEK_END) == 0 ? std::ftell(file_.get()) : 0;
@@ -136,7 +138,7 @@ bool TextWriter::close() {
 
 // writeBlock makes room for `size` characters when more than a block is held back.
 void TextWriter::writeBlock(std::size_t size) {
-  if (size > kMaxExtension) std::abort();
+  if (size > kMaxExtension || !file_) std::abort();
   writeThrough(kStreamBlockSize);
   end_ -= kStreamBlockSize;
   std::memcpy(block_.data(), block_.data() + kStreamBlockSize, end_);

@@ -46,8 +46,8 @@ class TextReader {
     return line;
   }
 
-  // close closes the file. Returns false when it could not be read up to where it ended for the
-  // caller.
+  // close closes the file. Returns false when a read failed: what looked like the end of the file
+  // was none.
   [[nodiscard]] bool close();
 
  private:
@@ -83,8 +83,9 @@ class TextWriter {
   // write writes `text`.
   void write(std::string_view text);
 
-  // extend writes `size` characters that the caller fills in before anything else is written. A
-  // size above kMaxExtension ends the process.
+  // extend writes `size` characters, at most kMaxExtension, that the caller fills in before
+  // anything else is written. A size for which there is no room, and a writer that is not open, end
+  // the process.
   [[nodiscard]] std::span<char> extend(std::size_t size) {
     if (size > block_.size() - end_) writeBlock(size);
     const std::span<char> text = block_.text().subspan(end_, size);
@@ -92,7 +93,7 @@ class TextWriter {
     return text;
   }
 
-  // close closes the file. Returns false when not everything could be written.
+  // close closes the file, which must be open. Returns false when not everything could be written.
   [[nodiscard]] bool close();
 
  private:
