@@ -8,7 +8,8 @@ target_compile_options(runner_options INTERFACE -fstack-protector-strong)
 target_compile_options(runner_options INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
 target_link_options(runner_options INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
 
-# Not on every processor.
+# Not on every processor. A program is marked as protected by cf-protection only where the C
+# library's own objects are, which those of Debian 12 are not.
 foreach(flag stack-clash-protection cf-protection)
   string(MAKE_C_IDENTIFIER RUNNER_HAS_${flag} has_flag)
   check_cxx_compiler_flag(-f${flag} ${has_flag})
