@@ -17,9 +17,9 @@ struct EngineRun {
   std::string response;
 };
 
-// isKnownRefusal tells whether the console of `run` names a refusal that is the engine's own, so
-// that a test which the other engine completes may end without a completion line.
-bool isKnownRefusal(const EngineRun& run);
+// isKnownRefusal tells whether `run` ended a test for a reason that is the engine's own, so that it
+// may have no completion line where the other engine has one.
+bool isKnownRefusal(const TestConfig& config, const EngineRun& run);
 
 // mayDiffer tells whether the two engines may give different answers to a request of this kind.
 // `response` is what either wrote.

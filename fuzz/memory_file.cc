@@ -26,6 +26,7 @@ MemoryFile::~MemoryFile() { close(descriptor_); }
 
 void MemoryFile::assign(std::string_view content) { replaceTail(0, content); }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): it changes the file
 void MemoryFile::replaceTail(std::size_t size, std::string_view tail) {
   require(ftruncate(descriptor_, static_cast<off_t>(size)) == 0);
   const ssize_t written = pwrite(descriptor_, tail.data(), tail.size(), static_cast<off_t>(size));
