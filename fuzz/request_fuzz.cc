@@ -143,7 +143,8 @@ void runUnsupported(Files& files, std::size_t size) {
   constexpr int kKinds = 3;  // two that have a name, and one beyond them
   resetProcess();
   const int engine = kFirst + static_cast<int>(size % kKinds);
-  runner::runRequest(files.request.path(), files.response.path(), static_cast<CryptEngine>(engine));
+  (void)runner::runRequest(files.request.path(), files.response.path(),
+                           static_cast<CryptEngine>(engine));
   files.console.take();
 }
 

@@ -112,6 +112,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   compareWriting(text);
   const std::string_view pattern = text.substr(0, patternByte);
   compareValues(text.substr(pattern.size()), pattern, outputByte);
+  // The number ends with the line, or at a zero byte.
+  const std::string number(text.substr(0, text.find('\0')));
+  require(runner::decimal(text) == static_cast<int>(std::strtol(number.c_str(), nullptr, 10)),
+          "another number is read");
   console.take();
   return 0;
 }
