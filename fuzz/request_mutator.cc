@@ -148,15 +148,16 @@ Changer::Line Changer::anyLine() {
   return lineNumber(below(static_cast<std::size_t>(std::ranges::count(text_, '\n'))));
 }
 
-// replaceAlike puts another known line in the place of one that begins alike: another hash for a
-// hash, another curve for a curve.
+// replaceAlike puts another known line in the place of one that begins alike or is as long: another
+// hash for a hash, another curve for a curve, another mode for a mode.
 void Changer::replaceAlike(Line line) {
   constexpr std::size_t kAlike = 3;
   const std::string start = text_.substr(line.start, std::min(kAlike, line.length));
   const std::size_t first = below(knownLines.size());
   for (std::size_t i = 0; i < knownLines.size(); ++i) {
     const std::string_view other = knownLines[(first + i) % knownLines.size()];
-    if (!other.starts_with(start)) continue;
+    const bool isAlike = other.starts_with(start) || other.size() == line.length;
+    if (!isAlike || other == std::string_view(text_).substr(line.start, line.length)) continue;
     text_.replace(line.start, line.length, other);
     return;
   }
