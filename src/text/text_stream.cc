@@ -51,12 +51,13 @@ bool TextReader::close() {
   return !failed_;
 }
 
-// gatherLine copies a line piece by piece into the spare room, whatever it contains.
+// gatherLine reads a line that does not stand in the block yet, or not in one piece: that one it
+// copies piece by piece into the spare room, whatever it contains.
 std::optional<std::string_view> TextReader::gatherLine(std::size_t capacity) {
-  if (capacity < 2 || !reserve(capacity)) {
-    failed_ = true;
-    return std::nullopt;
-  }
+  const bool atEnd = !hasUnread();
+  if (const auto line = viewLine(capacity)) return line;
+  if (capacity < 2 || (!atEnd && !reserve(capacity))) failed_ = true;
+  if (atEnd || failed_) return std::nullopt;
   char* const line = spare_.text().data();
   std::size_t length = 0;
   std::size_t textLength = capacity;  // up to a zero byte, when there is one

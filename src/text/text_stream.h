@@ -39,11 +39,8 @@ class TextReader {
   // byte, which holds until the next line is read, or nothing at the end of the file. A capacity
   // below 2, and a lack of memory, count as a file that cannot be read.
   [[nodiscard]] std::optional<std::string_view> readLine(std::size_t capacity) {
-    const std::size_t newline = clean_.substr(0, capacity - 1).find('\n');
-    if (newline == std::string_view::npos || capacity < 2) return gatherLine(capacity);
-    const std::string_view line = clean_.substr(0, newline + 1);
-    clean_.remove_prefix(line.size());
-    return line;
+    const auto line = viewLine(capacity);
+    return line ? line : gatherLine(capacity);
   }
 
   // close closes the file. Returns false when a read failed: what looked like the end of the file
@@ -51,6 +48,16 @@ class TextReader {
   [[nodiscard]] bool close();
 
  private:
+  // viewLine reads a line that stands in the block in one piece; nothing for any other.
+  std::optional<std::string_view> viewLine(std::size_t capacity) {
+    if (capacity < 2) return std::nullopt;
+    const std::size_t newline = clean_.substr(0, capacity - 1).find('\n');
+    if (newline == std::string_view::npos) return std::nullopt;
+    const std::string_view line = clean_.substr(0, newline + 1);
+    clean_.remove_prefix(line.size());
+    return line;
+  }
+
   bool hasUnread();
   bool refill();
   void continueAt(const char* next);
