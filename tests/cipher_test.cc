@@ -66,21 +66,24 @@ std::string aesExchange(const std::string& mode, CipherRun run) {
   const std::string key = valuesOf("key" + run.row)[0] + run.more, text = valuesOf("text")[0];
   const std::vector<std::string> chain =
       valuesOf("mct " + mode + run.row + " " + run.values["function"]);
-  for (const std::string variant : {"Text", "Key", "GFSbox", "KeySbox"}) {
-    const std::vector<std::string> values = valuesOf("kat " + variant + run.row);
-    const bool ofKey = variant.starts_with("Key");
-    run.values[variant + " key"] = values[0] + run.more;
-    run.setText(variant, ofKey ? std::string(32, '0') : values[0], values[1]);
-  }
-  run.setText("MMT", text, valuesOf("mmt " + mode + run.row)[0]);
   run.values.merge(Values{{"mode", mode},
                           {"if CBC", mode == "CBC" ? "" : kLeftOut},
                           {"zero key", std::string(key.size(), '0')},
-                          {"key", key},
                           {"iv", valuesOf("iv")[0]},
                           {"MCT in", text.substr(0, 32)},
                           {"MCT out 1", chain[0]},
                           {"MCT out 2", chain[1]}});
+  for (const std::string variant : {"Text", "Key", "GFSbox", "KeySbox"}) {
+    const std::vector<std::string> values = valuesOf("kat " + variant + run.row);
+    const bool ofKey = variant.starts_with("Key");
+    run.values["variant"] = variant;
+    run.values["key"] = values[0] + run.more;
+    run.setText("text", ofKey ? std::string(32, '0') : values[0], values[1]);
+    run.values["known answers"] +=
+        filledIn(ofKey ? "known answer of a key" : "known answer of a text", run.values);
+  }
+  run.values["key"] = key;
+  run.setText("MMT", text, valuesOf("mmt " + mode + run.row)[0]);
   return filledIn("aes", run.values);
 }
 
