@@ -177,19 +177,22 @@ TEST(AesEngine, RefusesNullPointers) {
             "execEncrypt : illegal pointer!!\nexecDecrypt : illegal pointer!!\n");
 }
 
-// Of a text whose tag is wrong, nothing is left.
+// Of a text whose tag is wrong nothing is left, nor of an earlier one when the IV is refused.
 TEST(AeadEngine, ClearsWhatItCouldNotVerify) {
   for (const auto engine : {runner::CryptEngine::GNUTLS, runner::CryptEngine::OPENSSL}) {
     const runner::TestConfig config{.keyLength = 16, .engine = engine};
     runner::AeadParams params;
     params.inputLength = 60;
-    params.ivLength = 12;
     for (runner::Buffer* const buffer :
          {&params.key, &params.input, &params.iv, &params.aad, &params.output, &params.tag}) {
       ASSERT_TRUE(buffer->allocate(60));
     }
-    EXPECT_EQ(runner::execAeadDecrypt(config, params), 0);
-    EXPECT_TRUE(std::ranges::all_of(params.output.bytes(), [](auto byte) { return byte == 0; }));
+    for (const int ivLength : {12, 0}) {
+      params.ivLength = ivLength;
+      std::ranges::fill(params.output.bytes(), std::uint8_t{0xEE});
+      EXPECT_LE(runner::execAeadDecrypt(config, params), 0);
+      EXPECT_TRUE(std::ranges::all_of(params.output.bytes(), [](auto byte) { return byte == 0; }));
+    }
   }
 }
 
