@@ -66,21 +66,24 @@ std::string aesExchange(const std::string& mode, CipherRun run) {
   const std::string key = valuesOf("key" + run.row)[0] + run.more, text = valuesOf("text")[0];
   const std::vector<std::string> chain =
       valuesOf("mct " + mode + run.row + " " + run.values["function"]);
-  for (const std::string variant : {"Text", "Key", "GFSbox", "KeySbox"}) {
-    const std::vector<std::string> values = valuesOf("kat " + variant + run.row);
-    const bool ofKey = variant.starts_with("Key");
-    run.values[variant + " key"] = values[0] + run.more;
-    run.setText(variant, ofKey ? std::string(32, '0') : values[0], values[1]);
-  }
-  run.setText("MMT", text, valuesOf("mmt " + mode + run.row)[0]);
   run.values.merge(Values{{"mode", mode},
                           {"if CBC", mode == "CBC" ? "" : kLeftOut},
                           {"zero key", std::string(key.size(), '0')},
-                          {"key", key},
                           {"iv", valuesOf("iv")[0]},
                           {"MCT in", text.substr(0, 32)},
                           {"MCT out 1", chain[0]},
                           {"MCT out 2", chain[1]}});
+  for (const std::string variant : {"Text", "Key", "GFSbox", "KeySbox"}) {
+    const std::vector<std::string> values = valuesOf("kat " + variant + run.row);
+    const bool ofKey = variant.starts_with("Key");
+    run.values["variant"] = variant;
+    run.values["key"] = values[0] + run.more;
+    run.setText("text", ofKey ? std::string(32, '0') : values[0], values[1]);
+    run.values["known answers"] +=
+        filledIn(ofKey ? "known answer of a key" : "known answer of a text", run.values);
+  }
+  run.values["key"] = key;
+  run.setText("MMT", text, valuesOf("mmt " + mode + run.row)[0]);
   return filledIn("aes", run.values);
 }
 
@@ -174,19 +177,22 @@ TEST(AesEngine, RefusesNullPointers) {
             "execEncrypt : illegal pointer!!\nexecDecrypt : illegal pointer!!\n");
 }
 
-// Of a text whose tag is wrong, nothing is left.
+// Of a text whose tag is wrong nothing is left, nor of an earlier one when the IV is refused.
 TEST(AeadEngine, ClearsWhatItCouldNotVerify) {
   for (const auto engine : {runner::CryptEngine::GNUTLS, runner::CryptEngine::OPENSSL}) {
     const runner::TestConfig config{.keyLength = 16, .engine = engine};
     runner::AeadParams params;
     params.inputLength = 60;
-    params.ivLength = 12;
     for (runner::Buffer* const buffer :
          {&params.key, &params.input, &params.iv, &params.aad, &params.output, &params.tag}) {
       ASSERT_TRUE(buffer->allocate(60));
     }
-    EXPECT_EQ(runner::execAeadDecrypt(config, params), 0);
-    EXPECT_TRUE(std::ranges::all_of(params.output.bytes(), [](auto byte) { return byte == 0; }));
+    for (const int ivLength : {12, 0}) {
+      params.ivLength = ivLength;
+      std::ranges::fill(params.output.bytes(), std::uint8_t{0xEE});
+      EXPECT_LE(runner::execAeadDecrypt(config, params), 0);
+      EXPECT_TRUE(std::ranges::all_of(params.output.bytes(), [](auto byte) { return byte == 0; }));
+    }
   }
 }
 

@@ -76,6 +76,7 @@ void expectVerdicts(const std::string& name, Values values, const std::string& c
   for (auto& [key, value] : values) {
     for (char& digit : value) digit = static_cast<char>(digit < 'A' ? digit : digit | 0x20);
   }
+  values["key lines"] = filledIn(name + " key", values);
   const std::string records = filledIn(name + " records", values);
   for (const auto engine : kEngines) {
     SCOPED_TRACE(values["hash"]);
