@@ -40,7 +40,7 @@ bool TextReader::open(const char* path) {
   file_ = openUnbuffered(path, "r");
   failed_ = false;
   end_ = block_.text().data();
-  clean_ = {end_, 0};
+  continueAt(end_);
   return file_ != nullptr;
 }
 
