@@ -173,6 +173,14 @@ TEST(Environment, IsToldWhenItEndsTheRun) {
   }
 }
 
+TEST(Environment, HasNoReaderForANamedPipe) {
+  const TempDir dir;
+  ASSERT_EQ(mkfifo(dir.file("pipe").c_str(), S_IRUSR | S_IWUSR), 0);
+  alarm(9);  // ends a wait
+  EXPECT_FALSE(TextWriter().append(dir.file("pipe").c_str()));
+  alarm(0);
+}
+
 TEST(Environment, ShowsEachLineOfTheConsoleAtOnce) {
   // The last test takes for ever.
   const TempDir dir;
