@@ -61,15 +61,6 @@ TEST(CurveState, IsResetByEveryRequest) {
   }
 }
 
-// The linker finds no such function in the library that this program is made for.
-TEST(PublicKeyValidation, SaysThatTheLibraryCannotValidate) {
-  const std::string said = "gnutls_pubkey_verify_params is not supported!!\n";
-  const Outcome outcome =
-      runBinary(keyList({"04" + kX + kY, "04" + kY + kX}), RUNNER_WITHOUT_VERIFY_PARAMS);
-  EXPECT_EQ(outcome.console, "curveid: 2\n" + said + said + kKeysDone);
-  EXPECT_EQ(lastLines(outcome.response, 3), "[Results]\n1\n1\n");
-}
-
 TEST(VerifyEcdsa, ReportsErrorsInsideOpenssl) {
   const TestConfig config{.mode = ModeId::ECDSA, .hashId = HashId::SHA256, .engine = kOpenssl};
   const OwnedPubKey withoutPoint = ownPubKey(EcKey(EC_KEY_new_by_curve_name(NID_X9_62_prime256v1)));

@@ -1,6 +1,8 @@
 #include "text/text_stream.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -10,10 +12,21 @@
 namespace runner {
 namespace {
 
-// openUnbuffered opens a file without a buffer in the C library.
-FileHandle openUnbuffered(const char* path, const char* mode) {
-  FileHandle file(std::fopen(path, mode));
-  if (file) std::setvbuf(file.get(), nullptr, _IONBF, 0);
+// unbuffered takes a file and its buffer in the C library from it.
+FileHandle unbuffered(std::FILE* file) {
+  if (file != nullptr) std::setvbuf(file, nullptr, _IONBF, 0);
+  return FileHandle(file);
+}
+
+// openToWrite opens a file and creates it if there is none. With O_NONBLOCK in `flags` a named pipe
+// without a reader fails to open, where opening would wait for one; writing waits as ever.
+FileHandle openToWrite(const char* path, int flags) {
+  constexpr mode_t kForAll = 0666;  // as far as the mask of the process lets them
+  const int descriptor = open(path, O_WRONLY | O_CREAT | flags, kForAll);
+  if (descriptor < 0) return nullptr;
+  fcntl(descriptor, F_SETFL, flags & O_APPEND);
+  FileHandle file = unbuffered(fdopen(descriptor, "w"));
+  if (!file) close(descriptor);
   return file;
 }
 
@@ -37,7 +50,7 @@ bool takeFault(std::FILE* file, std::size_t count) {
 bool TextReader::open(const char* path) {
   if (!isRegularFile(path)) return false;
   if (!block_.allocate(kStreamBlockSize)) return false;
-  file_ = openUnbuffered(path, "r");
+  file_ = unbuffered(std::fopen(path, "r"));
   failed_ = false;
   end_ = block_.text().data();
   continueAt(end_);
@@ -107,12 +120,12 @@ void TextReader::continueAt(const char* next) {
   clean_ = unread.substr(0, unread.find('\0'));
 }
 
-bool TextWriter::create(const char* path) { return open(path, "w"); }
+bool TextWriter::create(const char* path) { return open(path, O_TRUNC); }
 
-bool TextWriter::append(const char* path) { return open(path, "a"); }
+bool TextWriter::append(const char* path) { return open(path, O_APPEND | O_NONBLOCK); }
 
-bool TextWriter::open(const char* path, const char* mode) {
-  file_ = openUnbuffered(path, mode);
+bool TextWriter::open(const char* path, int flags) {
+  file_ = openToWrite(path, flags);
   if (!file_ || !block_.allocate(kStreamBlockSize + kMaxExtension)) {
     file_.reset();
     return false;

@@ -83,7 +83,7 @@ class TextWriter {
 
   // create opens the file at `path` and truncates it; append opens it for writing at its end. Both
   // create a file that does not exist. They return false when it cannot be opened or there is no
-  // memory for the block.
+  // memory for the block; append also at a named pipe without a reader, which create waits for.
   [[nodiscard]] bool create(const char* path);
   [[nodiscard]] bool append(const char* path);
 
@@ -104,7 +104,7 @@ class TextWriter {
   [[nodiscard]] bool close();
 
  private:
-  bool open(const char* path, const char* mode);
+  bool open(const char* path, int flags);
   void writeBlock(std::size_t size);
   void writeThrough(std::size_t end);
 
