@@ -1,8 +1,9 @@
 #include "support/case_file.h"
 
-#include <algorithm>
 #include <fstream>
 #include <optional>
+#include <regex>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
@@ -37,70 +38,60 @@ std::string expanded(const std::string& text) {
   return result;
 }
 
+// splitAt returns what stands before and behind the first `mark`, nothing behind it if there is
+// none.
 std::pair<std::string, std::string> splitAt(const std::string& text, const std::string& mark) {
   const std::size_t at = text.find(mark);
-  require(at != std::string::npos, "no \"" + mark + "\": " + text);
-  return {text.substr(0, at), text.substr(at + mark.size())};
+  return {text.substr(0, at), at == std::string::npos ? "" : text.substr(at + mark.size())};
 }
 
 void applyEdit(std::string& text, const std::string& edit) {
-  const auto [from, to] = splitAt(edit + " ", " -> ");
-  text = edited(text, expanded(from), expanded(to.substr(0, to.empty() ? 0 : to.size() - 1)));
-}
-
-std::vector<int> toEngines(const std::string& text) {
-  std::vector<int> engines;
-  std::istringstream words(text);
-  for (std::string word; words >> word; engines.push_back(word[0] - '0')) {
-    require(word.size() == 1 && word >= "0" && word <= "3", "unknown engine: " + word);
-  }
-  require(!engines.empty(), "no engine");
-  return engines;
+  require((edit + " ").find(" -> ") != std::string::npos, "no edit: " + edit);
+  const auto [from, to] = splitAt(edit, " ->");
+  text = edited(text, expanded(from), expanded(to.substr(to.empty() ? 0 : 1)));
 }
 
 // illegalData words the messages for digits that do not convert.
 std::string illegalData(const std::string& text) {
   std::istringstream words(text);
   std::string num, i, j, site, rest;
-  require(static_cast<bool>(words >> num >> i >> j >> site), "no NUM I J SITE: " + text);
-  std::getline(words >> std::ws, rest);
-  return "\\nillegal data!! (" + rest + ")\\nnum=" + num + ", i=" + i + ", j=" + j +
-         "\\nerr happens!! (" + site + ")";
+  std::getline(words >> num >> i >> j >> site >> std::ws, rest);
+  return "\nillegal data!! (" + rest + ")\nnum=" + num + ", i=" + i + ", j=" + j +
+         "\nerr happens!! (" + site + ")";
+}
+
+// columns returns the four texts that bars part, of which the last ones may be missing.
+std::vector<std::string> columns(const std::string& text) {
+  static const std::regex bar(" ?[|] ?");
+  std::vector<std::string> result(std::sregex_token_iterator(text.begin(), text.end(), bar, -1),
+                                  {});
+  result.resize(4);
+  return result;
 }
 
 // CaseReader holds what is known while the lines of a file are read.
 class CaseReader {
  public:
   void readLine(const std::string& line) {
-    ++number;
-    if (line.empty() || line.starts_with('#')) return;
-    const auto [kind, rest] = splitAt(line + " ", " ");
-    const std::string text = rest.substr(0, rest.empty() ? 0 : rest.size() - 1);
+    const auto [kind, text] = splitAt(line, " ");
+    if (line.empty() || kind == "#") return;
     const auto fields = columns(text);
     if (kind == "sound" || kind == "case") {
-      finishCase();
-      if (kind == "sound") sound_.reset();
-      require(sound_ || kind == "sound", "no sound request before this case");
-      beginCase(text, sound_.value_or(RequestCase{}));
+      beginCase(text, kind == "sound");
     } else if (kind == "part") {
       finishCase();
-      require(sound_.has_value(), "a part of no sound request");
-      part_ = *sound_;
-      partConsole_ = expanded(fields[0]) + "\n";
-      partEnd_ = expanded(fields[1]);
+      part_ = fields;
+    } else if (kind == "stops") {
+      readRow(fields[0], fields[1], fields[2], fields[3]);
+    } else if (kind == "illegal") {
+      readRow(fields[0], fields[1], illegalData(fields[2]), fields[3]);
     } else if (kind == "missing") {
       const auto [site, key] = splitAt(fields[0], " ");
-      addRow("without " + key, key + " -> [x]",
-             "\"" + key + "\" is not found!!\\nerr happens!! (" + site + ")",
-             fields[1].empty() ? "before " + key : fields[1]);
-    } else if (kind == "stops") {
-      addRow(fields[0], fields[1], fields[2], fields[3]);
-    } else if (kind == "illegal") {
-      addRow(fields[0], fields[1], illegalData(fields[2]), fields[3]);
-    } else if (kind == "engines") {
-      require(open_ || part_, "a line outside of a case");
-      (open_ ? open_ : part_)->engines = toEngines(text);
+      readRow("without " + key, key + " -> [x]",
+              "\"" + key + "\" is not found!!\nerr happens!! (" + site + ")",
+              fields[1].empty() ? "before " + key : fields[1]);
     } else {
+      require(open_.has_value(), "a line outside of a case");
       readLineOfCase(kind, text);
     }
   }
@@ -108,87 +99,61 @@ class CaseReader {
   // finishCase ends the case to which the last lines belong.
   void finishCase() {
     if (!open_) return;
-    const int next = std::exchange(number, open_->line);
     require(!open_->engines.empty(), "no engines: " + open_->name);
     require(!sound_ || open_->request != sound_->request || open_->engines != sound_->engines,
             "no other request than the sound one: " + open_->name);
     if (!sound_) sound_ = open_;
     cases.push_back(*std::exchange(open_, std::nullopt));
-    number = next;
   }
 
   int number = 0;  // of the line
   std::vector<RequestCase> cases{};
 
  private:
-  // columns returns what stands between the bars of `text`, without a blank on either side of them,
-  // and no text for the columns that it lacks.
-  static std::vector<std::string> columns(const std::string& text) {
-    std::vector<std::string> result;
-    std::istringstream stream(text);
-    for (std::string column; std::getline(stream, column, '|'); result.push_back(column)) {
-      if (!result.empty() && column.starts_with(' ')) column.erase(0, 1);
-      if (!stream.eof() && column.ends_with(' ')) column.pop_back();
-    }
-    result.resize(std::max<std::size_t>(result.size(), 4));
-    return result;
-  }
-
-  void beginCase(const std::string& name, const RequestCase& origin) {
+  void beginCase(const std::string& name, bool isSound) {
+    finishCase();
     require(!name.empty(), "a case without a name");
-    require(std::ranges::find(cases, name, &RequestCase::name) == cases.end(),
-            "a second case with this name: " + name);
-    part_.reset();
-    open_ = origin;
+    if (isSound) sound_.reset();
+    open_ = sound_.value_or(RequestCase{});
     open_->name = name;
     open_->line = number;
-    hasRequest_ = hasConsole_ = hasResponse_ = false;
+    own_.clear();
   }
 
-  void addRow(const std::string& name, const std::string& edit, const std::string& message,
-              const std::string& cut) {
-    finishCase();
-    require(part_.has_value(), "a row outside of a part");
-    const RequestCase origin = *part_;
-    beginCase(name, origin);
-    const bool isBoth = edit.starts_with("both ");
-    readLineOfCase(isBoth ? "both" : "request", isBoth ? splitAt(edit, " ").second : edit);
-    open_->console =
-        edited(open_->console, partConsole_, message.empty() ? "" : expanded(message) + "\n");
-    if (!cut.empty()) {
-      const auto [where, mark] = splitAt(expanded(cut), " ");
-      require(where == "before" || where == "after", "neither before nor after: " + cut);
-      const std::string first = mark.starts_with("first ") ? mark.substr(6) : mark;
-      open_->response = edited(open_->response, mark + "..." + partEnd_,
-                               (where == "after" ? first : "") + partEnd_);
-    }
-    finishCase();
-    part_ = origin;
+  // readRow begins a case with the lines for which its row stands.
+  void readRow(const std::string& name, const std::string& edit, const std::string& message,
+               const std::string& cut) {
+    require(!part_.empty(), "a row outside of a part");
+    const std::string &console = part_[0], &next = part_[1], &engines = part_[2];
+    beginCase(name, false);
+    if (!engines.empty()) readLine("engines " + engines);
+    readLine(edit.starts_with("both ") ? edit : "request " + edit);
+    readLine("console " + console + "\n -> " + message + (message.empty() ? "" : "\n"));
+    if (cut.empty()) return;
+    const auto [where, mark] = splitAt(cut, " ");
+    require(where == "before" || where == "after", "neither before nor after: " + cut);
+    const std::string kept = mark.starts_with("first ") ? mark.substr(6) : mark;
+    readLine("response " + mark + "..." + next + " -> " + (where == "after" ? kept : "") + next);
   }
 
   void readLineOfCase(const std::string& kind, const std::string& text) {
-    require(open_.has_value(), "a line outside of a case");
     // The first line of its own takes the place of what the case has from elsewhere.
-    const auto add = [&](std::string& whole, bool& isOwn) {
-      whole = (isOwn ? whole : "") + expanded(text) + "\n";
-      isOwn = true;
+    const auto add = [&](std::string& whole) {
+      if (own_.insert(&whole).second) whole.clear();
+      whole += expanded(text) + "\n";
     };
-    if (kind == "example" || kind == "like") {
-      const RequestCase origin = kind == "like"
-                                     ? readCaseFile(RUNNER_CASES "/" + text + ".txt").at(0)
-                                     : RequestCase{.request = example(text, ".req"),
-                                                   .console = exampleConsole(text),
-                                                   .response = answerOf(text),
-                                                   .engines = open_->engines};
-      open_->request = origin.request;
-      open_->console = origin.console;
-      open_->response = origin.response;
-      open_->engines = origin.engines;
+    if (kind == "engines") {
+      require(text.find_first_not_of("0123 ") == text.npos, "unknown engine: " + text);
+      open_->engines = text;
+    } else if (kind == "example") {
+      open_->request = example(text, ".req");
+      open_->console = exampleConsole(text);
+      open_->response = answerOf(text);
     } else if (kind == "<" || kind == "<=" || kind == "=") {
-      if (kind != "=") add(open_->request, hasRequest_);
-      if (kind != "<") add(open_->response, hasResponse_);
+      if (kind != "=") add(open_->request);
+      if (kind != "<") add(open_->response);
     } else if (kind == ">") {
-      add(open_->console, hasConsole_);
+      add(open_->console);
     } else {
       require(kind == "both" || kind == "request" || kind == "response" || kind == "console",
               "no line of a case: " + kind);
@@ -199,13 +164,9 @@ class CaseReader {
   }
 
   std::optional<RequestCase> sound_;
-  std::optional<RequestCase> open_;  // the case to which the next lines belong
-  bool hasRequest_ = false;          // of its own, as the next ones
-  bool hasConsole_ = false;
-  bool hasResponse_ = false;
-  std::optional<RequestCase> part_;  // what the rows of a part begin with
-  std::string partConsole_;
-  std::string partEnd_;
+  std::optional<RequestCase> open_;   // the case to which the next lines belong
+  std::set<const std::string*> own_;  // the texts of which it has lines of its own
+  std::vector<std::string> part_;     // the columns of the last part
 };
 
 }  // namespace
@@ -214,7 +175,10 @@ std::vector<RequestCase> readCaseFile(const std::string& path) {
   CaseReader reader;
   std::ifstream file(path);
   try {
-    for (std::string line; std::getline(file, line);) reader.readLine(line);
+    for (std::string line; std::getline(file, line);) {
+      ++reader.number;
+      reader.readLine(line);
+    }
     reader.finishCase();
     require(!reader.cases.empty(), "no case");
     return reader.cases;

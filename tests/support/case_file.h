@@ -12,7 +12,7 @@ struct RequestCase {
   std::string request{};
   std::string console{};
   std::string response{};
-  std::vector<int> engines{};
+  std::string engines{};  // their numbers, with blanks between them
 };
 
 // readCaseFile returns the cases of the file with this path, of which the first is a sound request.

@@ -26,6 +26,9 @@ class TempDir {
 std::string readFile(const std::string& path);
 void writeFile(const std::string& path, std::string_view content);
 
+// filesIn returns the names, without it, of the files in a folder that have this extension.
+std::vector<std::string> filesIn(const std::string& folder, const std::string& extension);
+
 // What a run leaves behind.
 struct Outcome {
   int status = 0;        // exit status of the command; of a run in this process the parser's result
@@ -68,7 +71,7 @@ std::string example(const std::string& name, const std::string& extension);
 std::string answerOf(const std::string& name);
 
 // exampleConsole returns what the program prints for an example through GnuTLS: the items of a
-// value-list header, the curve that the example is named after, and that each test has finished.
+// value-list header, the curve, and that each test has finished.
 std::string exampleConsole(const std::string& name);
 
 // fromHex converts hexadecimal text to bytes.
