@@ -10,24 +10,20 @@
 #include "support/run_request.h"
 
 // Whole requests for every hash and every length of a MAC key. The answers are those of OpenSSL's
-// EVP interface, which takes its algorithms by name, and published ones where there are any.
+// EVP interface, which takes its algorithms by name.
 
 namespace {
 
 struct HashRow {
-  std::string algorithm, name, openssl;
+  std::string algorithm, name;
   std::size_t blockLength;
-  std::string abc;      // the digest of "abc", FIPS 180-4
-  std::string hiThere;  // RFC 2202 and RFC 4231, case 1
 };
 
-const HashRow kRows[] = {
-    {"SHA-1", "M_Hash_SHA1", "SHA1", 64, "A9993E364706816A", "B617318655057264"},
-    {"SHA-224", "M_Hash_SHA224", "SHA2-224", 64, "23097D223405D822", "896FB1128ABBDF19"},
-    {"SHA-256", "M_Hash_SHA256", "SHA2-256", 64, "BA7816BF8F01CFEA", "B0344C61D8DB3853"},
-    {"SHA-384", "M_Hash_SHA384", "SHA2-384", 128, "CB00753F45A35E8B", "AFD03944D8489562"},
-    {"SHA-512", "M_Hash_SHA512", "SHA2-512", 128, "DDAF35A193617ABA", "87AA7CDEA5EF619D"},
-};
+const HashRow kRows[] = {{"SHA-1", "M_Hash_SHA1", 64},
+                         {"SHA-224", "M_Hash_SHA224", 64},
+                         {"SHA-256", "M_Hash_SHA256", 64},
+                         {"SHA-384", "M_Hash_SHA384", 128},
+                         {"SHA-512", "M_Hash_SHA512", 128}};
 
 struct HashRun {
   const HashRow& row;
@@ -40,9 +36,9 @@ struct HashRun {
     const auto* const data = reinterpret_cast<const unsigned char*>(message.data());
     auto* const to = reinterpret_cast<unsigned char*>(out.data());
     if (key.empty()) {
-      EVP_Q_digest(nullptr, row.openssl.c_str(), nullptr, data, message.size(), to, &length);
+      EVP_Q_digest(nullptr, row.algorithm.c_str(), nullptr, data, message.size(), to, &length);
     } else {
-      EVP_Q_mac(nullptr, "HMAC", nullptr, row.openssl.c_str(), nullptr, key.data(), key.size(),
+      EVP_Q_mac(nullptr, "HMAC", nullptr, row.algorithm.c_str(), nullptr, key.data(), key.size(),
                 data, message.size(), to, out.size(), &length);
     }
     return out.substr(0, length);
@@ -95,9 +91,6 @@ std::string chainOf(const HashRun& run, Values values) {
 
 TEST(HashRows, GiveTheAnswersOfAnotherInterface) {
   for (const HashRow& row : kRows) {
-    EXPECT_TRUE(hexText(HashRun{row, ""}.answer("abc")).starts_with(row.abc));
-    const HashRun published{row, std::string(20, '\x0B')};
-    EXPECT_TRUE(hexText(published.answer("Hi There")).starts_with(row.hiThere));
     for (const std::size_t keyLength : {0, 16, 20, 24, 32, 48, 64}) {
       const HashRun run{row, std::string(keyLength, '\x0B')};
       const Values values = run.values();
