@@ -137,6 +137,7 @@ TEST(AesEngine, SaysWhatItCannotDo) {
   const Case cases[] = {
       {0, 0, 16, noPointer},
       {0, 16, 0, noPointer},
+      {1, 16, 16, "16 16"},
       {0, 20, 16,
        "encrypt_gnutls : initialize error!!\ndecrypt_gnutls : initialize error!!\n-59 -59"},
       {1, 16, 15, "decrypt_openssl : finalize error!!\n16 -1"},

@@ -10,6 +10,7 @@
 #include "ec/curve_state.h"
 #include "ec/ec_key.h"
 #include "ec/ecdsa_engine.h"
+#include "ec/point_check.h"
 #include "sig/openssl_error.h"
 #include "sig/sig_handles.h"
 #include "support/run_request.h"
@@ -59,6 +60,25 @@ TEST(CurveState, IsResetByEveryRequest) {
       EXPECT_EQ(std::exchange(curveLookupPending, 0), 1);
     }
   }
+}
+
+TEST(PointCheck, KnowsTwoEngines) {
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(checkPoint(CryptEngine::HDD, nullptr), -1);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "unsupported engine!!\n");
+}
+
+// A point off the curve words the refusal, not an error that an earlier call has left behind.
+TEST(MakeEcKey, ReportsItsOwnErrorsOnly) {
+  OwnedPubKey key;
+  const Bytes one(1, 1);
+  ERR_raise(ERR_LIB_RSA, 107);
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(makeEcKey(key, one, one, 2), -1);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "EC_KEY_set_public_key failed!!\n"
+            "  error:0800006B:elliptic curve routines::point is not on curve\n");
+  EXPECT_EQ(std::exchange(lastOpensslError, 0), kPointIsNotOnCurve);
 }
 
 TEST(VerifyEcdsa, ReportsErrorsInsideOpenssl) {

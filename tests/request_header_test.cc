@@ -41,7 +41,8 @@ std::string fieldsOf(const TestConfig& config) {
 
 const std::string kDrbg =
     "# CTR_DRBG\n[AlgorithmName = CTR_DRBG no df]\n[UnderlyingAlgorithm = AES-256]\n"
-    "[SecurityStrength = 128]\n[RequestedNumberOfBits = 511]\n[NumberOfTrials = 15]\n";
+    "[SecurityStrength = 128]\n[NumberOfBits = 8]\n[RequestedNumberOfBits = 511]\n[Trials = 3]\n"
+    "[NumberOfTrials = 15]\n";
 const std::string kEcdsa = example("ecdsa-p-256-value-list", ".req");
 const std::string kDsa = example("dsa-2048-256-value-list", ".req");
 
@@ -51,14 +52,19 @@ TEST(RequestHeader, FillsTheConfig) {
     return "[Algorithm Name]\n" + algorithm + "\n[Function Name]\n" + function +
            "\n[Hash]\nM_Hash_SHA384\n";
   };
+  const std::string hashRequest = "[Algorithm Name]\nSHA-";
+  const std::string byBytes = "\n[Function Name]\nHash\n[Data Format]\nM_Hash_Byte\n";
   const std::pair<std::string, std::string> cases[] = {
       {hashed("DSA FIPS 186-4", "Key Generation"), "2 8 5 0 0 0 0 0 -"},
       {hashed("ECDSA", "Key Generation"), "2 9 5 0 0 0 0 0 -"},
       {hashed("RSASSA", "Key Generation"), "2 10 5 0 0 0 0 0 -"},
       {hashed("DSA FIPS 186-4", "Sign"), "4 8 5 0 0 0 0 0 -"},
+      {hashRequest + "224" + byBytes, "6 3 3 0 0 0 0 0 -"},
+      {hashRequest + "256" + byBytes, "6 4 4 0 0 0 0 0 -"},
+      {hashRequest + "384" + byBytes, "6 5 5 0 0 0 0 0 -"},
       {kDrbg, "10 1 0 16 0 63 15 1 -"},
       {edited(edited(kDrbg, "AES-256", "AES-128"), "= 128", "= 256"), "10 1 0 32 0 63 15 1 -"},
-      {kEcdsa, "5 9 4 32 0 128 6 1 P-256"},
+      {edited(kEcdsa, "first [HashA", "[Algorithm = SHA-1]\n[HashA"), "5 9 4 32 0 128 6 1 P-256"},
       {kDsa, "5 8 4 256 32 128 6 1 -"},
   };
   for (const auto& [header, fields] : cases) {

@@ -41,11 +41,13 @@ TEST(GetStr, FindsTheValueOfAPattern) {
       {"CCOUNT = 1\n", "COUNT = ?", 128, 0, "untouched"},
       {"C COUNT = 1\r\n", "COUNT = ?", 128, 1, "1"},
       {"COUNT = ", "COUNT = ?", 128, 0, "untouched"},
+      {"12 COUNT = ", "COUNT = ?", 128, 0, "untouched"},
       {"value rest", "?", 128, 1, "value"},
       {"a plain line", "plain", 128, 1, "untouched"},
       {"", "?", 128, 0, "untouched"},
       {seven, "NumberOfMessages = ?", 8, 1, "7777777"},
       {seven + "\n", "NumberOfMessages = ?", 8, 0, tooLong},
+      {seven + "77", "NumberOfMessages = ?", 8, 0, tooLong},
       {"NumberOfMessages = 123456]", "NumberOfMessages = ?", 8, 1, "123456"},
       {"7", "?", 0, 0, tooLong},
   };
@@ -56,6 +58,7 @@ TEST(GetStr, FindsTheValueOfAPattern) {
     EXPECT_EQ(getStr(row.line, row.pattern, std::span(out).first(row.capacity)), row.found);
     const std::string console = testing::internal::GetCapturedStdout();
     EXPECT_EQ(console.empty() ? out.data() : console, row.value);
+    EXPECT_TRUE(row.capacity > 8 || out[8] == 'd') << "written past its end";
   }
 }
 
@@ -72,7 +75,9 @@ TEST(HexToBin, ConvertsOrReportsTheOffendingCharacter) {
       {"0G12", {0x00, 0x00}, "\nillegal data!! (G12)\nnum=2, i=0, j=1\n"},
       {"AG12", {0xA0, 0x00}, "\nillegal data!! (G12)\nnum=2, i=0, j=1\n"},
       {"0a\n", {0x0A, 0x00}, "\nillegal data!! (\n)\nnum=2, i=1, j=0\n"},
-      {"0a1", {0x0A, 0x10}, "\nillegal data!! ()\nnum=2, i=1, j=1\n"},
+      {std::string_view("0a12").substr(0, 3),
+       {0x0A, 0x10},
+       "\nillegal data!! ()\nnum=2, i=1, j=1\n"},
       {"12 456", {0x12, 0x00, 0x00}, "\nillegal data!! ( 456)\nnum=3, i=1, j=0\n"},
   };
   for (const Case& row : cases) {
@@ -150,7 +155,7 @@ TEST(Lines, AreReadByCapacityAndEndAtAZeroByte) {
   std::string content;
   for (std::size_t i = 0; content.size() < 3 * kStreamBlockSize; ++i) {
     std::string line(i * i % 130, static_cast<char>('a' + i % 26));
-    if (i % 7 == 0 && line.size() > 5) line[i % line.size()] = '\0';
+    if (i % 7 == 0 && line.size() > 5) line[i % line.size()] = line[3 * i % line.size()] = '\0';
     content += line + "\n";
   }
   content += "last";
@@ -210,6 +215,7 @@ TEST(Decimal, SaturatesAt64BitsAndKeepsTheLow32) {
       {"007", 7},        {"x", 0},
       {"4294967297", 1}, {"2147483648", -2147483647 - 1},
       {"", 0},           {"99999999999999999999", -1},
+      {"- 7", 0},        {"-99999999999999999999", 0},
   };
   for (const auto& [text, expected] : cases) EXPECT_EQ(decimal(text), expected) << text;
 }
