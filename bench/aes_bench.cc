@@ -77,7 +77,8 @@ void monteCarlo(benchmark::State& state) {
       });
 }
 BENCHMARK(monteCarlo)
-    ->ArgNames({"key", "encryption"})
+    ->Name("AES Monte Carlo, 1000 x 100")
+    ->ArgNames({"key bytes", "encryption"})
     ->ArgsProduct({{16, 32}, {0, 1}})
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
@@ -120,7 +121,8 @@ void multiBlockMessage(benchmark::State& state) {
       });
 }
 BENCHMARK(multiBlockMessage)
-    ->ArgNames({"key", "encryption"})
+    ->Name("AES message of 1,000,000 blocks")
+    ->ArgNames({"key bytes", "encryption"})
     ->Args({16, 1})
     ->Args({32, 0})
     ->UseManualTime()

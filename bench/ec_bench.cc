@@ -148,20 +148,24 @@ void runEc(benchmark::State& state, CryptEngine engine, const std::string& reque
         }
       });
 }
-BENCHMARK_CAPTURE(runEc, 2000 verifications by GnuTLS, CryptEngine::GNUTLS, verificationRequest(),
+BENCHMARK_CAPTURE(runEc, verifiedByGnutls, CryptEngine::GNUTLS, verificationRequest(),
                   runner::procVerifyEcdsa, verifyGnutls)
+    ->Name("2000 ECDSA P-256 signatures, GnuTLS")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(runEc, 2000 validations by GnuTLS, CryptEngine::GNUTLS, validationRequest(),
+BENCHMARK_CAPTURE(runEc, validatedByGnutls, CryptEngine::GNUTLS, validationRequest(),
                   runner::procChkPublicKey, validateGnutls)
+    ->Name("2000 P-256 public keys, GnuTLS")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(runEc, 2000 verifications by OpenSSL, CryptEngine::OPENSSL, verificationRequest(),
+BENCHMARK_CAPTURE(runEc, verifiedByOpenssl, CryptEngine::OPENSSL, verificationRequest(),
                   runner::procVerifyEcdsa, verifyOpenssl)
+    ->Name("2000 ECDSA P-256 signatures, OpenSSL")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(runEc, 2000 validations by OpenSSL, CryptEngine::OPENSSL, validationRequest(),
+BENCHMARK_CAPTURE(runEc, validatedByOpenssl, CryptEngine::OPENSSL, validationRequest(),
                   runner::procChkPublicKey, validateOpenssl)
+    ->Name("2000 P-256 public keys, OpenSSL")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 

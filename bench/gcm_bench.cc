@@ -77,20 +77,23 @@ void runGcm(benchmark::State& state, Workload load, Copying copying) {
         }
       });
 }
-BENCHMARK_CAPTURE(runGcm, 20000 cases of 51 bytes, Workload{20'000, 51}, Copying::KERNEL)
+BENCHMARK_CAPTURE(runGcm, shortInKernel, Workload{20'000, 51}, Copying::KERNEL)
+    ->Name("AES-GCM, 20,000 cases of 51 bytes, copied in the kernel")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
     ->Iterations(61);
-BENCHMARK_CAPTURE(runGcm, 20000 cases of 51 bytes copied by lines, Workload{20'000, 51},
-                  Copying::LINES)
+BENCHMARK_CAPTURE(runGcm, shortByLines, Workload{20'000, 51}, Copying::LINES)
+    ->Name("AES-GCM, 20,000 cases of 51 bytes, copied by lines")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
     ->Iterations(61);
-BENCHMARK_CAPTURE(runGcm, 20 cases of 8 MB, Workload{20, 8'000'000}, Copying::KERNEL)
+BENCHMARK_CAPTURE(runGcm, longInKernel, Workload{20, 8'000'000}, Copying::KERNEL)
+    ->Name("AES-GCM, 20 cases of 8 MB, copied in the kernel")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
     ->Iterations(9);
-BENCHMARK_CAPTURE(runGcm, 20 cases of 8 MB copied by lines, Workload{20, 8'000'000}, Copying::LINES)
+BENCHMARK_CAPTURE(runGcm, longByLines, Workload{20, 8'000'000}, Copying::LINES)
+    ->Name("AES-GCM, 20 cases of 8 MB, copied by lines")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
     ->Iterations(9);

@@ -56,10 +56,12 @@ void chainedDigests(benchmark::State& state, runner::HashId hashId,
       state, [&] { files.removeOutputs(); }, bare, whole);
 }
 BENCHMARK_CAPTURE(chainedDigests, SHA256, runner::HashId::SHA256, GNUTLS_DIG_SHA256)
+    ->Name("SHA-256 chain, 1000 x 100")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
     ->MinTime(2);
 BENCHMARK_CAPTURE(chainedDigests, SHA512, runner::HashId::SHA512, GNUTLS_DIG_SHA512)
+    ->Name("SHA-512 chain, 1000 x 100")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
     ->MinTime(2);
@@ -88,6 +90,10 @@ void longMessages(benchmark::State& state) {
   compare(
       state, [&] { files.removeOutputs(); }, bare, whole);
 }
-BENCHMARK(longMessages)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(3);
+BENCHMARK(longMessages)
+    ->Name("SHA-256, 64 long messages, 83 MB of text")
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->MinTime(3);
 
 }  // namespace

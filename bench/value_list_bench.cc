@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "bare_verification.h"
 #include "driver/test_config.h"
 #include "ec/ecdsa_value_list.h"
 #include "side_by_side.h"
@@ -73,20 +74,6 @@ std::string requestOf(const Group& group, int count) {
   return text;
 }
 
-gnutls_datum_t lent(Bytes& bytes) { return {bytes.data(), static_cast<unsigned>(bytes.size())}; }
-
-void verifyBare(Bytes& message, Bytes& signature, gnutls_sign_algorithm_t algorithm,
-                const std::function<void(gnutls_pubkey_t)>& import) {
-  const gnutls_datum_t messageDatum = lent(message);
-  const gnutls_datum_t signatureDatum = lent(signature);
-  gnutls_pubkey_t key = nullptr;
-  gnutls_pubkey_init(&key);
-  import(key);
-  benchmark::DoNotOptimize(
-      gnutls_pubkey_verify_data2(key, algorithm, 0, &messageDatum, &signatureDatum));
-  gnutls_pubkey_deinit(key);
-}
-
 using Procedure = int (*)(const runner::TestConfig&, const char*, const char*);
 
 void run(benchmark::State& state, const Group& group, const runner::TestConfig& config,
@@ -121,7 +108,11 @@ void ecdsaRecords(benchmark::State& state) {
                });
   });
 }
-BENCHMARK(ecdsaRecords)->Arg(2000)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(ecdsaRecords)
+    ->Name("ECDSA P-256 value-list records")
+    ->Arg(2000)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
 
 void dsaRecords(benchmark::State& state) {
   Group group = readGroup("dsa-2048-256-value-list", "[L=");
@@ -141,6 +132,10 @@ void dsaRecords(benchmark::State& state) {
                });
   });
 }
-BENCHMARK(dsaRecords)->Arg(500)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(dsaRecords)
+    ->Name("DSA-2048 value-list records")
+    ->Arg(500)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

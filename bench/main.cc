@@ -1,0 +1,40 @@
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+// Prints each workload as a row of the table in the README.
+
+namespace {
+
+class TableReporter : public benchmark::BenchmarkReporter {
+ public:
+  bool ReportContext(const Context&) override {
+    std::printf("| Workload | Engine alone, ms | Test, ms | Ratio |\n| --- | --- | --- | --- |\n");
+    return true;
+  }
+
+  void ReportRuns(const std::vector<Run>& runs) override {
+    for (const Run& run : runs) {
+      std::string name = run.run_name.function_name;
+      if (!run.run_name.args.empty()) name += ", " + run.run_name.args;
+      if (run.error_occurred) {
+        std::printf("| %s | %s | | |\n", name.c_str(), run.error_message.c_str());
+      } else {
+        std::printf("| %s | %.1f | %.1f | %.2f |\n", name.c_str(), run.counters.at("bare").value,
+                    run.counters.at("whole").value, run.counters.at("ratio").value);
+      }
+      std::fflush(stdout);
+    }
+  }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+  TableReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+}
