@@ -31,8 +31,8 @@ DisturbedRun runDisturbed(const TempDir& dir, const FileFault& fault, int number
   {
     const FailingFiles files(fault, number, most);
     run.status = runRequest(dir.file("request").c_str(), dir.file("response").c_str());
-    run.struck = files.struck();
-    run.ends = files.ends();
+    run.struck = FailingFiles::struck();
+    run.ends = FailingFiles::ends();
   }
   run.console = testing::internal::GetCapturedStdout();
   run.response = readFile(dir.file("response"));
@@ -200,7 +200,7 @@ TEST(Environment, MayLackTheFunctionThatValidatesKeys) {
   const std::string program = dir.file("runner");
   const std::string quoted = RUNNER_BINARY;
   std::string bytes = readFile(quoted.substr(1, quoted.size() - 2));
-  const std::string name("gnutls_pubkey_verify_params", 28);  // with its end
+  const std::string name = std::string("gnutls_pubkey_verify_params") + char{0};
   const std::size_t place = bytes.find(name);
   ASSERT_NE(place, std::string::npos);
   writeFile(program, bytes.replace(place, 6, "absent"));

@@ -143,7 +143,7 @@ class CaseReader {
       whole += expanded(text) + "\n";
     };
     if (kind == "engines") {
-      require(text.find_first_not_of("0123 ") == text.npos, "unknown engine: " + text);
+      require(text.find_first_not_of("0123 ") == std::string::npos, "unknown engine: " + text);
       open_->engines = text;
     } else if (kind == "example") {
       open_->request = example(text, ".req");
