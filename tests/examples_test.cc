@@ -41,7 +41,8 @@ std::map<std::string, std::vector<std::string_view>> valuesOf(std::string_view t
     if (line.starts_with('[')) {
       key = line;
     } else {
-      values[equals == std::string::npos ? key : std::string(line.substr(0, equals))].push_back(line);
+      values[equals == std::string::npos ? key : std::string(line.substr(0, equals))].push_back(
+          line);
     }
     text.remove_prefix(std::min(line.size() + 1, text.size()));
   }

@@ -102,15 +102,16 @@ std::string edited(std::string_view text, std::string_view from, std::string_vie
   const std::string_view pattern = from.substr(isFirst ? kFirst.size() : 0);
   const std::size_t gap = pattern.find(kGap);
   const std::string_view head = pattern.substr(0, gap);
-  const std::string_view tail = gap == pattern.npos ? "" : pattern.substr(gap + kGap.size());
+  const std::string_view tail =
+      gap == std::string_view::npos ? "" : pattern.substr(gap + kGap.size());
   const std::size_t begin = text.find(head);
-  std::size_t end = begin == text.npos ? begin : begin + head.size();
-  if (gap != pattern.npos && end != text.npos) {
+  std::size_t end = begin == std::string_view::npos ? begin : begin + head.size();
+  if (gap != std::string_view::npos && end != std::string_view::npos) {
     end = tail.empty() ? text.size() : text.find(tail, end);
-    if (end != text.npos) end += tail.size();
+    if (end != std::string_view::npos) end += tail.size();
   }
-  if (end == text.npos) throw std::invalid_argument("not found: " + std::string(from));
-  const bool isTwice = !head.empty() && text.find(head, begin + 1) != text.npos;
+  if (end == std::string_view::npos) throw std::invalid_argument("not found: " + std::string(from));
+  const bool isTwice = !head.empty() && text.find(head, begin + 1) != std::string_view::npos;
   if (isTwice && !isFirst) throw std::invalid_argument("found twice: " + std::string(from));
   std::string result(text);
   result.replace(begin, end - begin, to);
