@@ -30,7 +30,7 @@ std::span<std::uint8_t, kBlockLength> blockOf(Buffer& buffer) {
 
 void copyBlock(std::span<const std::uint8_t, kBlockLength> from,
                std::span<std::uint8_t, kBlockLength> to) {
-  std::ranges::copy(from, to.begin());
+  std::copy_n(from.data(), kBlockLength, to.data());
 }
 
 void xorBlock(std::span<const std::uint8_t, kBlockLength> from,

@@ -23,21 +23,34 @@ void preferHugePages(void* memory, std::size_t size) {
 
 }  // namespace
 
-void* allocateZeroed(std::size_t size) {
+void* allocateBytes(std::size_t size) {
   if (size > SIZE_MAX - kAlignment) return nullptr;
   // aligned_alloc wants a multiple of the alignment.
   const std::size_t blocks = std::max<std::size_t>(1, (size + kAlignment - 1) / kAlignment);
   void* const memory = std::aligned_alloc(kAlignment, blocks * kAlignment);
-  if (memory == nullptr) return nullptr;
-  if (size >= kLargeSize) preferHugePages(memory, size);
-  return std::memset(memory, 0, blocks * kAlignment);
+  if (memory != nullptr && size >= kLargeSize) preferHugePages(memory, size);
+  return memory;
+}
+
+void* allocateZeroed(std::size_t size) {
+  void* const memory = allocateBytes(size);
+  return memory != nullptr ? std::memset(memory, 0, size) : nullptr;
+}
+
+bool Buffer::hold(void* memory, std::size_t size) {
+  bytes_.reset(static_cast<std::uint8_t*>(memory));
+  size_ = bytes_ ? size : 0;
+  return bytes_ != nullptr;
 }
 
 bool Buffer::allocate(std::size_t size) {
   bytes_.reset();
-  bytes_.reset(static_cast<std::uint8_t*>(allocateZeroed(size)));
-  size_ = bytes_ ? size : 0;
-  return bytes_ != nullptr;
+  return hold(allocateZeroed(size), size);
+}
+
+bool Buffer::allocateUnfilled(std::size_t size) {
+  bytes_.reset();
+  return hold(allocateBytes(size), size);
 }
 
 bool Buffer::grow(std::size_t size) { return size <= size_ || allocate(std::max(size, 2 * size_)); }

@@ -13,9 +13,12 @@ namespace runner {
 // What allocateZeroed aligns to, in bytes.
 inline constexpr std::size_t kAlignment = 8;
 
-// allocateZeroed returns `size` zero bytes from the aligned allocator, or null when there is no
-// memory. A size of 0 yields a valid pointer too, because GnuTLS does not check its data pointers.
-// The caller releases the bytes with std::free.
+// allocateBytes returns `size` bytes, which hold anything, from the aligned allocator, or null when
+// there is no memory. A size of 0 yields a valid pointer too, because GnuTLS does not check its
+// data pointers. The caller releases the bytes with std::free.
+[[nodiscard]] void* allocateBytes(std::size_t size);
+
+// allocateZeroed is allocateBytes for zero bytes.
 [[nodiscard]] void* allocateZeroed(std::size_t size);
 
 // sizeOf returns a length of the interfaces as the size of a buffer: 0 for a negative one.
@@ -23,14 +26,18 @@ constexpr std::size_t sizeOf(int length) {
   return length < 0 ? 0 : static_cast<std::size_t>(length);
 }
 
-// Buffer owns a zero-filled byte area whose size is fixed when it is allocated. An unallocated
-// Buffer is empty and its data pointer is null.
+// Buffer owns a byte area, zero-filled unless it says otherwise, whose size is fixed when it is
+// allocated. An unallocated Buffer is empty and its data pointer is null.
 class Buffer {
  public:
   // allocate replaces the contents by `size` zero bytes. What is held is released first, so that a
   // Buffer never needs room for two areas. Returns false, with the Buffer empty, when there is no
   // memory.
   [[nodiscard]] bool allocate(std::size_t size);
+
+  // allocateUnfilled is allocate for an area that is written before it is read: its bytes hold
+  // anything, and pages that are never written cost nothing.
+  [[nodiscard]] bool allocateUnfilled(std::size_t size);
 
   // grow makes room for at least `size` bytes; when it grows, what is held is lost and the size at
   // least doubles, so that growing step by step costs little. Returns false as allocate does.
@@ -47,6 +54,8 @@ class Buffer {
   [[nodiscard]] std::span<char> text() { return {reinterpret_cast<char*>(bytes_.get()), size_}; }
 
  private:
+  bool hold(void* memory, std::size_t size);
+
   Owner<std::uint8_t, std::free> bytes_;
   std::size_t size_ = 0;
 };

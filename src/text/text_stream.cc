@@ -49,7 +49,7 @@ bool takeFault(std::FILE* file, std::size_t count) {
 
 bool TextReader::open(const char* path) {
   if (!isRegularFile(path)) return false;
-  if (!block_.allocate(kStreamBlockSize)) return false;
+  if (!block_.allocateUnfilled(kStreamBlockSize)) return false;
   file_ = unbuffered(std::fopen(path, "r"));
   failed_ = false;
   end_ = block_.text().data();
@@ -126,7 +126,7 @@ bool TextWriter::append(const char* path) { return open(path, O_APPEND | O_NONBL
 
 bool TextWriter::open(const char* path, int flags) {
   file_ = openToWrite(path, flags);
-  if (!file_ || !block_.allocate(kStreamBlockSize + kMaxExtension)) {
+  if (!file_ || !block_.allocateUnfilled(kStreamBlockSize + kMaxExtension)) {
     file_.reset();
     return false;
   }
