@@ -162,7 +162,7 @@ TEST(Environment, IsToldWhenItEndsTheRun) {
       {"timeout 9", pipe, response, "can't open " + pipe},
       {"", dir.file(""), response, "can't open " + dir.file("")},
       {"cat '" + kRequest + "' |", "/dev/stdin", response, "can't open /dev/stdin"},
-      {"ulimit -f 0;", kRequest, response, "can't write " + response},
+      {"ulimit -f 0; timeout 9", kRequest, response, "can't write " + response},
       {"", kRequest, "/dev/full", "can't write /dev/full"},
       {"", kRequest, "/dev/fd/9", "can't write /dev/fd/9"},
   };
