@@ -56,7 +56,8 @@ std::string withFlippedBit(std::string request, const std::string& label) {
   const std::size_t blank = label.rfind(' ');
   const auto place = std::stoul(label.substr(blank));
   const std::string_view value = valuesOf(request).at(label.substr(0, blank)).at(place);
-  char& last = request[value.data() + value.size() - 1 - request.data()];
+  const auto offset = static_cast<std::size_t>(value.data() - request.data());
+  char& last = request[offset + value.size() - 1];
   last = digits.at(digits.find(last) ^ 1);
   return request;
 }

@@ -91,7 +91,7 @@ std::string chainOf(const HashRun& run, Values values) {
 
 TEST(HashRows, GiveTheAnswersOfAnotherInterface) {
   for (const HashRow& row : kRows) {
-    for (const std::size_t keyLength : {0, 16, 20, 24, 32, 48, 64}) {
+    for (const std::size_t keyLength : {0U, 16U, 20U, 24U, 32U, 48U, 64U}) {
       const HashRun run{row, std::string(keyLength, '\x0B')};
       const Values values = run.values();
       // Behind a key that is longer than a line of theirs, the first two tests do not come far.
