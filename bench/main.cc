@@ -19,12 +19,8 @@ class TableReporter : public benchmark::BenchmarkReporter {
     for (const Run& run : runs) {
       std::string name = run.run_name.function_name;
       if (!run.run_name.args.empty()) name += ", " + run.run_name.args;
-      if (run.error_occurred) {
-        std::printf("| %s | %s | | |\n", name.c_str(), run.error_message.c_str());
-      } else {
-        std::printf("| %s | %.1f | %.1f | %.2f |\n", name.c_str(), run.counters.at("bare").value,
-                    run.counters.at("whole").value, run.counters.at("ratio").value);
-      }
+      std::printf("| %s | %.1f | %.1f | %.2f |\n", name.c_str(), run.counters.at("bare").value,
+                  run.counters.at("whole").value, run.counters.at("ratio").value);
       std::fflush(stdout);
     }
   }

@@ -77,6 +77,11 @@ void WorkFiles::removeOutputs() const {
   std::filesystem::remove(copy_);
 }
 
+void giveUp(const char* why) {
+  std::fprintf(stderr, "runner_bench: %s\n", why);
+  std::exit(1);
+}
+
 void compare(benchmark::State& state, const std::function<void()>& prepare,
              const std::function<void()>& bare, const std::function<void()>& whole) {
   const SilentConsole silence;

@@ -39,6 +39,9 @@ class WorkFiles {
   std::string copy_;
 };
 
+// giveUp ends the program with a line on standard error, when a workload does not do its work.
+[[noreturn]] void giveUp(const char* why);
+
 // compare runs `bare` and `whole` by turns and reports the time of `whole`, the median of each in
 // milliseconds as the counters "whole" and "bare", and their quotient as the counter "ratio".
 // `prepare` runs before each of them and is not measured. Standard output is discarded meanwhile.
