@@ -11,29 +11,29 @@ namespace {
 
 using Lines = std::vector<std::string_view>;
 
-constexpr std::array<std::string_view, 6> cipherTests{
+constexpr std::array<std::string_view, 6> kCipherTests{
     "procKAT_Text", "procKAT_Key", "procKAT_GFSbox", "procKAT_KeySbox", "procMMT", "procMCT"};
-constexpr std::array<std::string_view, 3> hashTests{"procSMT", "procSLMT", "procPGMT"};
-constexpr std::array<std::string_view, 1> aeadTests{"procAEAD"};
-constexpr std::array<std::string_view, 1> keyTests{"procChkPublicKey"};
-constexpr std::array<std::string_view, 1> signatureTests{"procVerify"};
+constexpr std::array<std::string_view, 3> kHashTests{"procSMT", "procSLMT", "procPGMT"};
+constexpr std::array<std::string_view, 1> kAeadTests{"procAEAD"};
+constexpr std::array<std::string_view, 1> kKeyTests{"procChkPublicKey"};
+constexpr std::array<std::string_view, 1> kSignatureTests{"procVerify"};
 
 // testsOf returns the tests that a request with this header runs, in their order.
 std::span<const std::string_view> testsOf(const TestConfig& config) {
   switch (config.testFunction) {
     case TestFunction::ENCRYPTION:
     case TestFunction::DECRYPTION:
-      return cipherTests;
+      return kCipherTests;
     case TestFunction::AEAD_ENCRYPTION:
     case TestFunction::AEAD_DECRYPTION:
-      return aeadTests;
+      return kAeadTests;
     case TestFunction::HASH:
     case TestFunction::MAC:
-      return hashTests;
+      return kHashTests;
     case TestFunction::PUBLIC_KEY_VALIDATION:
-      return keyTests;
+      return kKeyTests;
     case TestFunction::VERIFICATION:
-      return signatureTests;
+      return kSignatureTests;
     case TestFunction::KEY_GENERATION:
     case TestFunction::SIGN:
     case TestFunction::DRBG:
@@ -42,18 +42,18 @@ std::span<const std::string_view> testsOf(const TestConfig& config) {
   return {};
 }
 
-constexpr std::array<std::string_view, 7> headerItems{
+constexpr std::array<std::string_view, 7> kHeaderItems{
     "function    : ",  "algorithm   : ", "key length  : ", "hash: ",
     "request size : ", "trial num : ",   "message num : "};
 
 // What OpenSSL's back-ends print of a key or a signature that they score as not valid.
-constexpr std::array<std::string_view, 7> opensslRefusals{"KEY",
-                                                          "    COUNT",
-                                                          "  error:",
-                                                          "EC_KEY_set_public_key failed!!",
-                                                          "Unsupported format of a public key!!",
-                                                          "DSA_verify failed!!(",
-                                                          "ECDSA_verify failed!!("};
+constexpr std::array<std::string_view, 7> kOpensslRefusals{"KEY",
+                                                           "    COUNT",
+                                                           "  error:",
+                                                           "EC_KEY_set_public_key failed!!",
+                                                           "Unsupported format of a public key!!",
+                                                           "DSA_verify failed!!(",
+                                                           "ECDSA_verify failed!!("};
 
 bool beginsWithOneOf(std::string_view line, std::span<const std::string_view> texts) {
   return std::ranges::any_of(texts, [&](auto text) { return line.starts_with(text); });
@@ -61,8 +61,8 @@ bool beginsWithOneOf(std::string_view line, std::span<const std::string_view> te
 
 // isSoundLine tells the lines that a sound run may have beside its completion lines.
 bool isSoundLine(std::string_view line, const TestConfig& config, CryptEngine engine) {
-  if ((config.flags & FLAG_VALUE_LIST) != 0 && beginsWithOneOf(line, headerItems)) return true;
-  if (engine == CryptEngine::OPENSSL && beginsWithOneOf(line, opensslRefusals)) return true;
+  if ((config.flags & FLAG_VALUE_LIST) != 0 && beginsWithOneOf(line, kHeaderItems)) return true;
+  if (engine == CryptEngine::OPENSSL && beginsWithOneOf(line, kOpensslRefusals)) return true;
   // The number of a known curve has no sign.
   return config.mode == ModeId::ECDSA && line.starts_with("curveid: ") &&
          !line.starts_with("curveid: -");
@@ -157,7 +157,7 @@ ConsoleVerdict judgeConsole(std::string_view console, const TestConfig& config,
 
 std::string headerFault(std::string_view console) {
   for (const std::string_view line : splitLines(console)) {
-    if (!line.empty() && !beginsWithOneOf(line, headerItems)) return std::string(line);
+    if (!line.empty() && !beginsWithOneOf(line, kHeaderItems)) return std::string(line);
   }
   return "no line";
 }

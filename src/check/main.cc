@@ -102,12 +102,12 @@ struct CommandLine {
 
 // readCommandLine returns the exit status when the program has nothing more to do.
 std::optional<int> readCommandLine(int argc, char** argv, CommandLine& commandLine) {
-  constexpr std::array<option, 4> options{{{"directory", required_argument, nullptr, 'd'},
-                                           {"help", no_argument, nullptr, 'h'},
-                                           {"version", no_argument, nullptr, 'V'},
-                                           {nullptr, 0, nullptr, 0}}};
+  constexpr std::array<option, 4> kOptions{{{"directory", required_argument, nullptr, 'd'},
+                                            {"help", no_argument, nullptr, 'h'},
+                                            {"version", no_argument, nullptr, 'V'},
+                                            {nullptr, 0, nullptr, 0}}};
   int letter = 0;
-  while ((letter = getopt_long(argc, argv, "d:hV", options.data(), nullptr)) != -1) {
+  while ((letter = getopt_long(argc, argv, "d:hV", kOptions.data(), nullptr)) != -1) {
     switch (letter) {
       case 'd':
         commandLine.directory = optarg;
