@@ -86,41 +86,5 @@ TEST(ValueListHeader, IsInadequateWithoutItsLastLines) {
   }
 }
 
-TEST(Command, TellsItsOutcomeByExitStatus) {
-  const TempDir dir;
-  const std::string request = dir.file("request");
-  const std::string response = dir.file("response");
-  const std::string missing = dir.file("missing/file");
-  writeFile(request, "[Algorithm Name]\nECDSA\n[Function Name]\nSign\n[Hash]\nM_Hash_SHA1\n");
-
-  EXPECT_EQ(runCommand({}).status, 1);
-  EXPECT_EQ(runCommand({request}).status, 1);
-  EXPECT_EQ(runCommand({request, response, "more"}).status, 0);
-  const std::string written = readFile(response);
-  EXPECT_EQ(written.substr(written.find('\n')),
-            "\n# File: Response file\n#\n[Algorithm Name]\nECDSA\n[Function Name]\nSign\n");
-
-  const Outcome inadequate = runBinary("[Function Name]\nHash\n");
-  EXPECT_EQ(inadequate.status, 255);
-
-  const Outcome unreadable = runCommand({missing, response});
-  EXPECT_EQ(unreadable.status, 255);
-  EXPECT_EQ(unreadable.console, "can't open " + missing + "\n");
-  EXPECT_EQ(lastLines(readFile(response), 2), "# File: Response file\n#\n");
-
-  const Outcome unwritable = runCommand({request, missing});
-  EXPECT_EQ(unwritable.status, 255);
-  EXPECT_EQ(unwritable.console, "can't open " + missing + "\ncan't open " + missing + "\n");
-
-  // One file under two names stays as it is.
-  const std::string alias = dir.file("alias");
-  std::filesystem::create_symlink(request, alias);
-  const std::string before = readFile(request);
-  const Outcome same = runCommand({request, alias});
-  EXPECT_EQ(same.status, 255);
-  EXPECT_EQ(same.console, "can't open " + alias + "\n");
-  EXPECT_EQ(readFile(request), before);
-}
-
 }  // namespace
 }  // namespace runner

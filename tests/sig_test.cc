@@ -12,7 +12,7 @@
 #include "sig/pubkey.h"
 #include "sig/sig_handles.h"
 #include "sig/signature_primitives.h"
-#include "support/run_request.h"
+#include "support/exchange.h"
 
 namespace {
 
@@ -22,27 +22,24 @@ using runner::ModeId;
 using Bytes = std::vector<std::uint8_t>;
 
 TEST(EncodeSigRS, WritesDer) {
-  struct Case {
+  const struct {
     std::size_t rLength, sLength;
-    const char *rStart, *sStart;  // the first byte, followed by 11 11 ...
-    const char *beforeR, *beforeS;
+    std::uint8_t rFirst, sFirst;  // followed by 01 01 ...
+    std::string beforeR, beforeS;
+  } cases[] = {
+      {20, 20, 0x7F, 0x7F, "302C0214", "0214"},     {20, 20, 0x7F, 0x80, "302D0214", "021500"},
+      {20, 20, 0x00, 0x01, "302C0214", "0214"},     {0, 1, 0x00, 0xFF, "30060200", "020200"},
+      {61, 61, 0x01, 0x7F, "307E023D", "023D"},     {61, 61, 0x80, 0xFF, "308180023E00", "023E00"},
+      {66, 66, 0x81, 0x01, "308189024300", "0242"}, {126, 125, 0x01, 0x01, "3081FF027E", "027D"},
+      {61, 61, 0x80, 0x7F, "307F023E00", "023D"},   {127, 122, 0x01, 0x01, "3081FD027F", "027A"},
+      {122, 127, 0x01, 0x01, "3081FD027A", "027F"},
   };
-  const Case cases[] = {
-      {20, 20, "7F", "7F", "302C0214", "0214"},     {20, 20, "7F", "80", "302D0214", "021500"},
-      {20, 20, "00", "01", "302C0214", "0214"},     {0, 1, "", "FF", "30060200", "020200"},
-      {61, 61, "01", "7F", "307E023D", "023D"},     {61, 61, "80", "FF", "308180023E00", "023E00"},
-      {66, 66, "81", "01", "308189024300", "0242"}, {126, 125, "01", "01", "3081FF027E", "027D"},
-      {61, 61, "80", "7F", "307F023E00", "023D"},   {127, 122, "01", "01", "3081FD027F", "027A"},
-      {122, 127, "01", "01", "3081FD027A", "027F"},
-  };
-  for (const Case& row : cases) {
-    SCOPED_TRACE(row.beforeR);
-    std::string r = row.rStart, s = row.sStart;
-    while (r.size() < 2 * row.rLength) r += "11";
-    while (s.size() < 2 * row.sLength) s += "11";
-    const runner::Buffer encoding = runner::encodeSigRS(fromHex(r), fromHex(s));
-    const std::string expected = std::string(row.beforeR).append(r).append(row.beforeS).append(s);
-    EXPECT_EQ(Bytes(encoding.data(), encoding.data() + encoding.size()), fromHex(expected));
+  for (const auto& row : cases) {
+    Bytes r(row.rLength, 1), s(row.sLength, 1);
+    if (!r.empty()) r[0] = row.rFirst;
+    s[0] = row.sFirst;
+    const runner::Buffer encoding = runner::encodeSigRS(r, s);
+    EXPECT_EQ(hexText(encoding.bytes()), row.beforeR + hexText(r) + row.beforeS + hexText(s));
   }
 }
 
@@ -85,7 +82,7 @@ TEST(PubKey, IsReleasedByEngineAndMode) {
 TEST(VerifyDsa, ChoosesTheAlgorithmByMode) {
   runner::TestConfig config{.mode = ModeId::DSA, .hashId = HashId::SHA256};
   runner::OwnedPubKey key;
-  const Bytes p = fromHex("A1A5"), q = fromHex("A3"), message(3), tooLong(128, 1);
+  const Bytes p = {0xA1, 0xA5}, q = {0xA3}, message(3), tooLong(128, 1);
   ASSERT_EQ(runner::makeDsaKey(config.engine, key, {.p = p, .q = q, .g = q, .y = q}), 0);
   EXPECT_EQ(runner::verifyDsa(config, key.get(), message, q, q), 1);
   config.mode = ModeId::RSASSA;

@@ -21,16 +21,15 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 
 TEST(GetStr, FindsTheValueOfAPattern) {
-  struct Case {
+  const std::string seven = "NumberOfMessages = 7777777";
+  const std::string_view tooLong = "[ERR]getStr: not enough buffer!!\n";
+  const struct {
     std::string line;
     std::string_view pattern;
     std::size_t capacity;
     int found;
     std::string_view value;  // or what is printed
-  };
-  const std::string seven = "NumberOfMessages = 7777777";
-  const std::string_view tooLong = "[ERR]getStr: not enough buffer!!\n";
-  const Case cases[] = {
+  } cases[] = {
       {"COUNT = 12\n", "COUNT = ?", 128, 1, "12"},
       {"COUNT =  5\n", "COUNT = ?", 128, 1, ""},
       {"Msg = 00\n", "COUNT = ?", 128, 0, "untouched"},
@@ -51,7 +50,7 @@ TEST(GetStr, FindsTheValueOfAPattern) {
       {"NumberOfMessages = 123456]", "NumberOfMessages = ?", 8, 1, "123456"},
       {"7", "?", 0, 0, tooLong},
   };
-  for (const Case& row : cases) {
+  for (const auto& row : cases) {
     SCOPED_TRACE(row.line + " / " + std::string(row.pattern));
     std::array<char, 128> out{"untouched"};
     testing::internal::CaptureStdout();
@@ -63,12 +62,11 @@ TEST(GetStr, FindsTheValueOfAPattern) {
 }
 
 TEST(HexToBin, ConvertsOrReportsTheOffendingCharacter) {
-  struct Case {
+  const struct {
     std::string_view text;
     Bytes expected;
     std::string_view report;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"0aFf", {0x0A, 0xFF}, ""},
       {"0aFfxyz", {0x0A, 0xFF}, ""},
       {"", {}, ""},
@@ -80,7 +78,7 @@ TEST(HexToBin, ConvertsOrReportsTheOffendingCharacter) {
        "\nillegal data!! ()\nnum=2, i=1, j=1\n"},
       {"12 456", {0x12, 0x00, 0x00}, "\nillegal data!! ( 456)\nnum=3, i=1, j=0\n"},
   };
-  for (const Case& row : cases) {
+  for (const auto& row : cases) {
     SCOPED_TRACE(row.text);
     Bytes out(row.expected.size(), 0xEE);
     testing::internal::CaptureStdout();
@@ -180,13 +178,12 @@ TEST(Preconditions, AreChecked) {
   for (const std::size_t capacity : {std::size_t{0}, std::size_t{1}, SIZE_MAX}) {
     TextReader file;
     ASSERT_TRUE(file.open(dir.file("in").c_str()));
-    if (capacity < 2) {
-      EXPECT_EQ(file.readLine(capacity), std::nullopt);
-    }
+    EXPECT_EQ(capacity < 2 && file.readLine(capacity), false);
     EXPECT_EQ(file.reserve(capacity), capacity < 2);
     EXPECT_EQ(file.close(), capacity >= 2);
   }
   for (const std::size_t size : {SIZE_MAX, SIZE_MAX - 6}) EXPECT_FALSE(Buffer().allocate(size));
+  EXPECT_EQ(sizeOf(-1), 0U);
   TextWriter file;
   ASSERT_TRUE(file.create(dir.file("out").c_str()));
   EXPECT_DEATH((void)file.extend(kStreamBlockSize + TextWriter::kMaxExtension + 1), "");

@@ -27,22 +27,28 @@ std::string filledIn(const std::string& name, const Values& values) {
   return text;
 }
 
-std::string hexText(std::string_view bytes) {
+std::string hexText(std::span<const std::uint8_t> bytes) {
   std::string text;
-  for (const char byte : bytes) {
+  for (const int byte : bytes) {
     for (const int shift : {4, 0}) text += "0123456789ABCDEF"[byte >> shift & 15];
   }
   return text;
 }
 
+std::string hexText(std::string_view bytes) {
+  return hexText({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+}
+
 void expectExchange(const std::string& text, const std::string& console, runner::CryptEngine engine,
                     const std::string& command) {
-  std::string request;
-  std::string response = command.empty() ? "" : "# File: Response file\n#\n";
+  std::string request, response;
   std::istringstream stream(text);
   for (std::string line; std::getline(stream, line);) {
     const bool isMarked = line.starts_with('<') || line.starts_with('=');
-    const std::string content = line.substr(isMarked ? 1 : 0) + "\n";
+    std::string content = line.substr(isMarked ? 1 : 0) + "\n";
+    for (std::size_t at = 0; (at = content.find("\\n")) != std::string::npos;) {
+      content.replace(at, 2, "\n");
+    }
     if (!line.starts_with('=')) request += content;
     if (!line.starts_with('<')) response += content;
   }

@@ -1,7 +1,9 @@
 #ifndef RUNNER_TESTS_SUPPORT_EXCHANGE_H_
 #define RUNNER_TESTS_SUPPORT_EXCHANGE_H_
 
+#include <cstdint>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -18,6 +20,7 @@ inline const std::string kLeftOut = "(left out)";
 std::string filledIn(const std::string& name, const Values& values);
 
 // hexText returns bytes as upper-case hexadecimal text.
+std::string hexText(std::span<const std::uint8_t> bytes);
 std::string hexText(std::string_view bytes);
 
 // expectExchange runs the request of a text that is filled in, in this process through `engine` or

@@ -9,11 +9,11 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <sstream>
 #include <stdexcept>
 
 #include "driver/dispatch.h"
-#include "driver/request_header.h"
 
 namespace {
 
@@ -21,13 +21,19 @@ namespace {
 constexpr std::string_view kGap = "...";
 // What begins an edit of the first of several.
 constexpr std::string_view kFirst = "first ";
+// The size of the program's own three lines.
+constexpr std::size_t kOwnSize = 57;
 
-// withoutDate cuts the date line off after a look at its form, that of ctime.
-std::string withoutDate(const std::string& response) {
-  if (!response.starts_with("# Date: ")) return response;
-  const std::size_t end = response.find('\n');
-  EXPECT_EQ(end, std::string_view("# Date: Sun Nov  2 20:34:38 2025").size()) << response;
-  return response.substr(end + 1);
+// withoutOwnLines cuts the program's own three lines off after a look at their form. Nothing is
+// left of a response that ends within them.
+std::string withoutOwnLines(const std::string& response) {
+  static const std::regex form(
+      "# Date: [A-Z][a-z]{2} [A-Z][a-z]{2} [ 123][0-9] [0-9:]{8} [0-9]{4}\n"
+      "# File: Response file\n#\n");
+  std::smatch lines;
+  const auto atStart = std::regex_constants::match_continuous;
+  if (std::regex_search(response, lines, form, atStart)) return lines.suffix();
+  return response.size() < kOwnSize ? "" : response;
 }
 
 }  // namespace
@@ -77,23 +83,32 @@ Outcome runBinary(std::string_view request, const std::string& program) {
   const TempDir dir;
   writeFile(dir.file("request"), request);
   Outcome outcome = runCommand({dir.file("request"), dir.file("response")}, program);
-  outcome.response = withoutDate(readFile(dir.file("response")));
+  outcome.response = withoutOwnLines(readFile(dir.file("response")));
   return outcome;
 }
 
-Outcome runInProcess(std::string_view request, runner::CryptEngine engine) {
+std::string withEngineCalls(const std::string& calls, const std::string& results) {
+  std::istringstream names(calls);
+  std::string libraries;
+  for (std::string name; names >> name;) libraries += RUNNER_ENGINE_CALLS "/" + name + ".so ";
+  // AddressSanitizer wants to be the first library.
+  return "ASAN_OPTIONS=$ASAN_OPTIONS:verify_asan_link_order=0 ENGINE_RETURNS='" + results +
+         "' LD_PRELOAD='" + libraries + "' ";
+}
+
+Outcome runInProcess(std::string_view request, runner::CryptEngine engine,
+                     Disturbance* disturbedBy) {
   const TempDir dir;
   const std::string requestPath = dir.file("request");
   const std::string responsePath = dir.file("response");
   writeFile(requestPath, request);
-  runner::TestConfig config;
   Outcome outcome;
   testing::internal::CaptureStdout();
-  outcome.status = runner::parseRequestHeader(config, requestPath.c_str(), responsePath.c_str());
-  config.engine = engine;
-  if (outcome.status == 0) runner::runTests(config, requestPath.c_str(), responsePath.c_str());
+  disturbance = disturbedBy;
+  outcome.status = runner::runRequest(requestPath.c_str(), responsePath.c_str(), engine);
+  disturbance = nullptr;
   outcome.console = testing::internal::GetCapturedStdout();
-  outcome.response = readFile(responsePath);
+  outcome.response = withoutOwnLines(readFile(responsePath));
   return outcome;
 }
 
@@ -164,13 +179,4 @@ std::string exampleConsole(const std::string& name) {
                                                         : "Verify");
   for (std::string test; tests >> test;) console += "proc" + test + " finish normally\n";
   return console;
-}
-
-std::vector<std::uint8_t> fromHex(std::string_view text) {
-  std::vector<std::uint8_t> bytes;
-  for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
-    bytes.push_back(
-        static_cast<std::uint8_t>(std::stoul(std::string(text.substr(i, 2)), nullptr, 16)));
-  }
-  return bytes;
 }

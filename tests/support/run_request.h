@@ -1,13 +1,13 @@
 #ifndef RUNNER_TESTS_SUPPORT_RUN_REQUEST_H_
 #define RUNNER_TESTS_SUPPORT_RUN_REQUEST_H_
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "driver/test_config.h"
+#include "support/failing_calls.h"
 
 // TempDir is a new empty directory, removed with all that is in it at the end of its life.
 class TempDir {
@@ -31,9 +31,9 @@ std::vector<std::string> filesIn(const std::string& folder, const std::string& e
 
 // What a run leaves behind.
 struct Outcome {
-  int status = 0;        // exit status of the command; of a run in this process the parser's result
+  int status = 0;        // exit status of the command; of a run in this process its result
   std::string console;   // standard output
-  std::string response;  // without its date line, if it began with one
+  std::string response;  // without the program's own three lines
 };
 
 // runCommand runs a program, the built one if none is named, with these arguments and returns its
@@ -44,10 +44,14 @@ Outcome runCommand(const std::vector<std::string>& arguments,
 // runBinary runs it on a request with this text.
 Outcome runBinary(std::string_view request, const std::string& program = RUNNER_BINARY);
 
-// runInProcess parses the request and runs its tests through `engine` in this process. The response
-// lacks the program's own three lines.
+// withEngineCalls returns what stands before a command so that these functions of the engines, with
+// blanks between them, give these results, see engine_call.cc.
+std::string withEngineCalls(const std::string& calls, const std::string& results);
+
+// runInProcess runs the request through `engine` in this process, disturbed or not.
 Outcome runInProcess(std::string_view request,
-                     runner::CryptEngine engine = runner::CryptEngine::GNUTLS);
+                     runner::CryptEngine engine = runner::CryptEngine::GNUTLS,
+                     Disturbance* disturbedBy = nullptr);
 
 // edited returns `text` with the one occurrence of `from` replaced. "..." in `from` stands for any
 // text, at its end for all the rest; "first FROM" means the first of several. Throws
@@ -73,8 +77,5 @@ std::string answerOf(const std::string& name);
 // exampleConsole returns what the program prints for an example through GnuTLS: the items of a
 // value-list header, the curve, and that each test has finished.
 std::string exampleConsole(const std::string& name);
-
-// fromHex converts hexadecimal text to bytes.
-std::vector<std::uint8_t> fromHex(std::string_view text);
 
 #endif  // RUNNER_TESTS_SUPPORT_RUN_REQUEST_H_

@@ -1,0 +1,14 @@
+#include <csignal>
+#include <cstdlib>
+#include <sstream>
+
+// A shared library with one function of an engine. Loaded before the engine it takes that
+// function's place and merely returns the numbers of ENGINE_RETURNS, one a call, the last one again
+// and again; SIGABRT stops the process. What it is called with does not matter.
+extern "C" long ENGINE_CALL() {
+  static std::istringstream results(std::getenv("ENGINE_RETURNS"));
+  static long result = 0;
+  results >> result;
+  if (result == SIGABRT) std::abort();
+  return result;
+}
