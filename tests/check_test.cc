@@ -119,6 +119,16 @@ TEST(Check, RefusesWhatItCannotDoBeforeAnythingRuns) {
   EXPECT_EQ(readFile(response), readFile(kRsa));
 }
 
+TEST(Check, TellsWhatItIsAsked) {
+  const Outcome help = check({"-h"}), version = check({"--version"});
+  EXPECT_TRUE(help.console.starts_with("usage: runner-check [-d DIRECTORY] REQUEST...\nRun each"));
+  EXPECT_EQ(filled("runner-check ...", version.console), version.console);
+  EXPECT_EQ(help.status + version.status, 0);
+  const Outcome unwritten = runCommand({kRsa}, "2>&1 >/dev/full " RUNNER_CHECK_BINARY);
+  EXPECT_EQ(unwritten.status, 2);
+  EXPECT_EQ(unwritten.console, "runner-check: can't write to standard output\n");
+}
+
 TEST(Check, TakesNoOtherLineForASoundOne) {
   const std::string smt = "procSMT finish normally\n";
   const std::string slmt = "procSLMT finish normally\n";
@@ -160,6 +170,7 @@ TEST(Check, ShowsThePlaceWhereLongLinesDiffer) {
             start + "A0000000000000000..., OpenSSL B0000000000000000...");
   EXPECT_EQ(describe(zeros + "A", zeros + "B"), start + "...A, OpenSSL ...B");
   EXPECT_EQ(describe(zeros + "A" + zeros, zeros), start + "...A0000000000000..., OpenSSL ...");
+  EXPECT_EQ(runner::describeDifference({7, "A", std::nullopt}, 65), start + "A, OpenSSL nothing");
   EXPECT_EQ(runner::printable("a\x1b[2J\n\xc3\xa9"), "a?[2J?\xc3\xa9");
 }
 
