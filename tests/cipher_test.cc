@@ -127,22 +127,21 @@ TEST(AesEngine, SaysWhatItCannotDo) {
   const std::string noPointer =
       "execEncrypt : illegal pointer!!\nexecDecrypt : illegal pointer!!\n-1 -1";
   const struct {
-    int engine, keyLength, len;
+    int engine, keyLength, len, null;
     std::string said;
-    int null = 0;
   } cases[] = {
-      {0, 16, 16, noPointer, 1},
-      {0, 16, 16, noPointer, 2},
-      {0, 16, 16, noPointer, 3},
-      {0, 16, 16, noPointer, 4},
-      {0, 16, 16, noPointer, 5},
-      {1, 16, 16, "16 16"},
-      {0, 20, 16,
+      {0, 16, 16, 1, noPointer},
+      {0, 16, 16, 2, noPointer},
+      {0, 16, 16, 3, noPointer},
+      {0, 16, 16, 4, noPointer},
+      {0, 16, 16, 5, noPointer},
+      {1, 16, 16, 0, "16 16"},
+      {0, 20, 16, 0,
        "encrypt_gnutls : initialize error!!\ndecrypt_gnutls : initialize error!!\n-59 -59"},
-      {1, 16, 15, "decrypt_openssl : finalize error!!\n16 -1"},
-      {2, 16, 16, "-1 1"},
-      {3, 16, 16, "-1 -1"},
-      {4, 16, 16,
+      {1, 16, 15, 0, "decrypt_openssl : finalize error!!\n16 -1"},
+      {2, 16, 16, 0, "-1 1"},
+      {3, 16, 16, 0, "-1 -1"},
+      {4, 16, 16, 0,
        "execEncrypt : unsupported crypt engine!!\n"
        "execDecrypt : not supported crypt engine!!\n-1 -1"},
   };

@@ -6,7 +6,8 @@
 // function's place and merely returns the numbers of ENGINE_RETURNS, one a call, the last one again
 // and again; SIGABRT stops the process. What it is called with does not matter.
 extern "C" long ENGINE_CALL() {
-  static std::istringstream results(std::getenv("ENGINE_RETURNS"));
+  static const char* const numbers = std::getenv("ENGINE_RETURNS");
+  static std::istringstream results(numbers != nullptr ? numbers : "");
   static long result = 0;
   results >> result;
   if (result == SIGABRT) std::abort();
