@@ -58,6 +58,9 @@ TEST(Check, SaysWhatIsWrongWithARequest) {
   const std::string dsa = example("dsa-2048-256-sha-256-verification", ".req");
   const std::string second = dsa.substr(dsa.find('\n', dsa.find("[Signatures]") + 13) + 1, 128);
   const std::string padded = "0000" + second.substr(0, 64) + "0000" + second.substr(64);
+  const std::string drbg =
+      "[AlgorithmName = CTR_DRBG no df]\n[UnderlyingAlgorithm = AES-128]\n"
+      "[SecurityStrength = 128]\n[RequestedNumberOfBits = 512]\n[NumberOfTrials = 1]\n";
   const std::pair<std::string, std::string> cases[] = {
       {edited(aes, "KAT-Key]\n8", "KAT-Key]\nO"),
        "5 of 6 tests: procKAT_Key: err happens!! (2215)"},
@@ -66,10 +69,13 @@ TEST(Check, SaysWhatIsWrongWithARequest) {
       {edited(aes, "[Bitlength of Key]", ""), "header: request is inadequate!!"},
       {edited(aes, "CBC", "ECB"),
        "0 of 6 tests: GnuTLS: procKAT_Text: not supported!!; OpenSSL: 6 of 6 tests"},
+      {edited(edited(aes, "KAT-Key]\n8", "KAT-Key]\nO"), "CBC", "ECB"),
+       "0 of 6 tests: GnuTLS: procKAT_Text: not supported!!; OpenSSL: 5 of 6 tests: procKAT_Key: "
+       "err happens!! (2215)"},
       {edited(dsa, second, padded), "1 of 1 tests, not confirmed: line 45: GnuTLS 0, OpenSSL 1"},
-      {"[AlgorithmName = CTR_DRBG no df]\n[UnderlyingAlgorithm = AES-128]\n"
-       "[SecurityStrength = 128]\n[RequestedNumberOfBits = 512]\n[NumberOfTrials = 1]\n",
-       "no test"},
+      {drbg, "no test"},
+      {edited(drbg, "[NumberOf", "[NumberOfTrials = 12345678]\n[NumberOf"),
+       "no test: [ERR]getStr: not enough buffer!!"},
   };
   const TempDir dir;
   const std::string path = dir.file("a.req");
@@ -127,6 +133,10 @@ TEST(Check, TellsWhatItIsAsked) {
   const Outcome unwritten = runCommand({kRsa}, "2>&1 >/dev/full " RUNNER_CHECK_BINARY);
   EXPECT_EQ(unwritten.status, 2);
   EXPECT_EQ(unwritten.console, "runner-check: can't write to standard output\n");
+  EXPECT_EQ(runCommand({kRsa}, "TMPDIR=/none " RUNNER_CHECK_BINARY).status, 0);
+  const Outcome withoutScratch = runCommand({kRsa}, "TMPDIR=/proc " RUNNER_CHECK_BINARY);
+  EXPECT_EQ(withoutScratch.status, 2);
+  EXPECT_EQ(reports(withoutScratch), kRsa + ": can't make a temporary file in /proc\n");
 }
 
 TEST(Check, TakesNoOtherLineForASoundOne) {
@@ -158,6 +168,8 @@ TEST(Check, TakesNoOtherLineForASoundOne) {
     EXPECT_EQ(verdict.sound, row.sound);
     EXPECT_EQ(verdict.fault, row.fault);
   }
+  EXPECT_EQ(runner::headerFault(""), "no line");
+  EXPECT_EQ(runner::headerFault("hash: 256\n\nx\n"), "x");
 }
 
 TEST(Check, ShowsThePlaceWhereLongLinesDiffer) {
@@ -171,6 +183,12 @@ TEST(Check, ShowsThePlaceWhereLongLinesDiffer) {
   EXPECT_EQ(describe(zeros + "A", zeros + "B"), start + "...A, OpenSSL ...B");
   EXPECT_EQ(describe(zeros + "A" + zeros, zeros), start + "...A0000000000000..., OpenSSL ...");
   EXPECT_EQ(runner::describeDifference({7, "A", std::nullopt}, 65), start + "A, OpenSSL nothing");
+  const TempDir dir;
+  writeFile(dir.file("a"), "1\n2\n3\nA\n");
+  writeFile(dir.file("b"), "1\n2\n3\nA");
+  const auto difference = runner::findDifference(dir.file("a"), dir.file("b"));
+  EXPECT_EQ(runner::describeDifference(difference.value(), 80),
+            "line 4: GnuTLS A, OpenSSL A(no newline)");
   EXPECT_EQ(runner::printable("a\x1b[2J\n\xc3\xa9"), "a?[2J?\xc3\xa9");
 }
 

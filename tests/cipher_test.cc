@@ -135,6 +135,7 @@ TEST(AesEngine, SaysWhatItCannotDo) {
       {0, 16, 16, 3, noPointer},
       {0, 16, 16, 4, noPointer},
       {0, 16, 16, 5, noPointer},
+      {0, 16, 16, 0, "16 16"},
       {1, 16, 16, 0, "16 16"},
       {0, 20, 16, 0,
        "encrypt_gnutls : initialize error!!\ndecrypt_gnutls : initialize error!!\n-59 -59"},

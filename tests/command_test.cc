@@ -53,6 +53,8 @@ TEST(Command, TellsItsOutcome) {
       {"<&- >&- 2>&-", {request, response}, 0, "", whole},
       {">&9", {request, response}, 0, "", whole},
       {"ulimit -s 512;", {request, response}, 0, done, whole},
+      {"umask 0;", {request, response}, 0, done, whole},
+      {"ulimit -n 4;", {request, response}, 255, unopened + response, ownLines},
       {"", {missing, response}, 255, unopened + missing, ownLines},
       {"", {folder, response}, 255, unopened + folder, ownLines},
       {"timeout 9", {pipe, response}, 255, unopened + pipe, ownLines},
@@ -72,6 +74,9 @@ TEST(Command, TellsItsOutcome) {
     EXPECT_EQ(outcome.console, row.console + (row.status == 255 ? "\n" : ""));
     const std::string written = readFile(response);
     EXPECT_EQ(written, filled(row.written, written));
+    using std::filesystem::perms;
+    EXPECT_TRUE(row.before != "umask 0;" ||
+                std::filesystem::status(response).permissions() == perms{0666});
   }
   EXPECT_EQ(readFile(request), example(name, ".req"));
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "ec/curve_state.h"
+#include "ec/curve_table.h"
 #include "ec/ec_key.h"
 #include "ec/ecdsa_engine.h"
 #include "ec/point_check.h"
@@ -62,10 +63,12 @@ TEST(CurveState, IsResetByEveryRequest) {
   }
 }
 
-TEST(PointCheck, KnowsTwoEngines) {
+TEST(Curves, HaveTwoEnginesAndFiveNames) {
   testing::internal::CaptureStdout();
   EXPECT_EQ(checkPoint(CryptEngine::HDD, nullptr), -1);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "unsupported engine!!\n");
+  EXPECT_EQ(verifyEcdsa({.engine = CryptEngine::HDD}, nullptr, {}, {}, {}), -1);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "unsupported engine!!\nunsupported engine!!\n");
+  EXPECT_EQ(findCurveName("P-999"), -1);
 }
 
 // A point off the curve words the refusal, not an error that an earlier call has left behind.

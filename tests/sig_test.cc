@@ -89,6 +89,10 @@ TEST(VerifyDsa, ChoosesTheAlgorithmByMode) {
   EXPECT_EQ(runner::verifyDsa(config, key.get(), message, q, q), 1);
   config.mode = ModeId::HMAC;
   EXPECT_EQ(runner::verifyDsa(config, key.get(), message, tooLong, q), -1);
+  config.engine = CryptEngine::OPENSSL;
+  EXPECT_EQ(runner::verifyDsa(config, nullptr, message, tooLong, q), -1);
+  config.hashId = HashId::NONE;
+  EXPECT_EQ(runner::verifyDsa(config, nullptr, message, q, q), -1);
 }
 
 }  // namespace
