@@ -15,13 +15,13 @@
 #include "support/run_request.h"
 #include "text/text_stream.h"
 
+namespace runner {
+namespace {
+
 // Each allocation, read, write and close of a request fails in turn. Whichever it is, the fault is
 // told in the place of a completion line, by the number of its place or as a file that cannot be
 // opened, read or written; the test that it hit writes nothing that it would not have written
 // otherwise; and the other tests are not disturbed.
-
-namespace runner {
-namespace {
 
 // A request and the numbers of its allocations. After `survived` its test goes on.
 struct Row {
@@ -179,6 +179,28 @@ TEST(Faults, OfAValueThatGrowsHaveItsNumber) {
   };
   expectOneMore(kEcdsaRecords, "Qy = e1", "Qy = 00e1", 4757);
   expectOneMore(kDsaRecords, "R = 59", "R = 0059", 4001);
+}
+
+// The calls of the engines fail in turn: the program names the call, or has the number of its
+// place. What OpenSSL fails in is seen through `runner-check`.
+
+TEST(EngineCalls, AreToldWhenTheyFail) {
+  std::istringstream table(readFile(RUNNER_CASES "/engine_calls.csv"));
+  std::string row, calls, results, name, told;
+  for (std::getline(table, row); std::getline(table, row);) {
+    SCOPED_TRACE(row);
+    std::istringstream columns(row);
+    for (std::string* column : {&calls, &results, &name}) std::getline(columns, *column, ',');
+    std::getline(columns, told);
+    const std::string request = RUNNER_EXAMPLES "/" + name + ".req";
+    const std::string command = withEngineCalls(calls, results);
+    const bool isGnutls = calls.starts_with("gnutls");
+    const Outcome outcome = isGnutls ? runCommand({request, "/dev/null"}, command + RUNNER_BINARY)
+                                     : runCommand({request}, command + RUNNER_CHECK_BINARY);
+    EXPECT_EQ(outcome.status, isGnutls ? 0 : 1);
+    const std::string line = (isGnutls ? "\n" : ": ") + told + "\n";
+    EXPECT_NE(("\n" + outcome.console).find(line), std::string::npos) << outcome.console;
+  }
 }
 
 }  // namespace
