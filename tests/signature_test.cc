@@ -120,10 +120,10 @@ TEST(OpensslError, KeepsTheOldLayoutOfTheComparedCodes) {
 TEST(PubKey, IsReleasedByEngineAndMode) {
   freePubKey(ModeId::DSA, CryptEngine::OPENSSL, nullptr);
   freePubKey(ModeId::DSA, CryptEngine::GNUTLS, nullptr);
-  const PubKey rsa = ownPubKey(RsaKey(RSA_new())).release();
+  auto* const rsa = ownPubKey(RsaKey(RSA_new())).release();
   freePubKey(ModeId::HMAC, CryptEngine::OPENSSL, rsa);
   freePubKey(ModeId::RSASSA, CryptEngine::OPENSSL, rsa);
-  const PubKey gnutls = ownPubKey(newGnutlsKey()).release();
+  auto* const gnutls = ownPubKey(newGnutlsKey()).release();
   freePubKey(ModeId::HMAC, CryptEngine::GNUTLS, gnutls);
   OwnedPubKey key = ownPubKey(EcKey(EC_KEY_new()));
   key = ownPubKey(DsaKey(DSA_new()));
