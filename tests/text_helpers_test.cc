@@ -179,7 +179,7 @@ TEST(Lines, AreReadByCapacityAndEndAtAZeroByte) {
 TEST(Preconditions, AreChecked) {
   const TempDir dir;
   writeFile(dir.file("in"), "t");
-  for (const std::size_t capacity : {0, 1, 2}) {
+  for (const std::size_t capacity : {0U, 1U, 2U}) {
     TextReader file;
     ASSERT_TRUE(file.open(dir.file("in").c_str()));
     EXPECT_EQ(file.readLine(capacity).value_or(""), capacity == 2 ? "t" : "");
