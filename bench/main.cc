@@ -1,17 +1,18 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
-// Prints each workload as a row of the table in the README.
+// Prints the workloads under the names that they have in the README.
 
 namespace {
 
 class TableReporter : public benchmark::BenchmarkReporter {
  public:
   bool ReportContext(const Context&) override {
-    std::printf("| Workload | Engine alone, ms | Test, ms | Ratio |\n| --- | --- | --- | --- |\n");
+    std::printf("| Workload | Beside, ms | Test, ms | Ratio |\n| --- | --- | --- | --- |\n");
     return true;
   }
 
@@ -32,5 +33,10 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
   TableReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
+  try {
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+  } catch (const std::runtime_error& error) {
+    std::fprintf(stderr, "runner_bench: %s\n", error.what());
+    return 1;
+  }
 }

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <stdexcept>
 #include <vector>
 
 #include "text/text_stream.h"
@@ -77,10 +78,7 @@ void WorkFiles::removeOutputs() const {
   std::filesystem::remove(copy_);
 }
 
-void giveUp(const char* why) {
-  std::fprintf(stderr, "runner_bench: %s\n", why);
-  std::exit(1);
-}
+void giveUp(const char* why) { throw std::runtime_error(why); }
 
 void compare(benchmark::State& state, const std::function<void()>& prepare,
              const std::function<void()>& bare, const std::function<void()>& whole) {

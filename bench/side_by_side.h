@@ -39,7 +39,7 @@ class WorkFiles {
   std::string copy_;
 };
 
-// giveUp ends the program with a line on standard error, when a workload does not do its work.
+// giveUp ends the run when a workload does not do its work; the program says why.
 [[noreturn]] void giveUp(const char* why);
 
 // compare runs `bare` and `whole` by turns and reports the time of `whole`, the median of each in

@@ -11,7 +11,7 @@ struct Refusal {
   std::string_view text;
 };
 
-constexpr std::array refusals{
+constexpr std::array kRefusals{
     // GnuTLS has no ECB.
     Refusal{CryptEngine::GNUTLS, "not supported!!\n"},
     // GnuTLS takes AES keys of 16, 24 and 32 bytes and GCM IVs of 12 bytes only.
@@ -80,7 +80,7 @@ bool isKnownRefusal(const TestConfig& config, const EngineRun& run) {
   // Without a hash a record fails, silently, but only when its key could be made: OpenSSL refuses a
   // point that is not on the curve earlier, as a result.
   if (isEcdsaTest(config) && config.hashId == HashId::NONE) return true;
-  for (const Refusal& refusal : refusals) {
+  for (const Refusal& refusal : kRefusals) {
     if (run.engine == refusal.engine && run.console.find(refusal.text) != std::string::npos) {
       return true;
     }

@@ -16,7 +16,7 @@ struct Cap {
 
 // Sections whose value is the number. Large enough for every example as it stands, but for the loop
 // counts, and for values that cross the block size of the streams.
-constexpr std::array sectionCaps{
+constexpr std::array kSectionCaps{
     Cap{"[Number of Inner-loop for MCT]", 12},
     Cap{"[Number of Outer-loop for MCT]", 4},
     Cap{"[Number of Inner-loop for PGMT]", 12},
@@ -36,7 +36,7 @@ constexpr std::array sectionCaps{
 };
 
 // Items of value-list headers: the number follows directly.
-constexpr std::array itemCaps{
+constexpr std::array kItemCaps{
     Cap{"[L = ", 8192},
     Cap{"[N = ", 8192},
     Cap{"BitLengthOfMessage = ", 8192},
@@ -74,7 +74,7 @@ std::size_t limitAll(std::string& text, std::size_t start, const Cap& cap) {
 
 std::string capCounts(std::string_view request) {
   std::string text(request);
-  for (const Cap& cap : sectionCaps) {
+  for (const Cap& cap : kSectionCaps) {
     for (std::size_t at = text.find(cap.name); at != std::string::npos;
          at = text.find(cap.name, at + 1)) {
       // The line after the key holds the number, and so does the rest of a long line of the key,
@@ -83,7 +83,7 @@ std::string capCounts(std::string_view request) {
       if (end + 1 < text.size()) limitRead(text, end + 1, cap);
     }
   }
-  for (const Cap& cap : itemCaps) {
+  for (const Cap& cap : kItemCaps) {
     for (std::size_t at = text.find(cap.name); at != std::string::npos;
          at = text.find(cap.name, at + 1)) {
       limitRead(text, at + cap.name.size(), cap);

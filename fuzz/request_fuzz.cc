@@ -38,7 +38,7 @@ struct TestMark {
   std::string_view name;
   std::string_view keyEnd;
 };
-constexpr std::array testMarks{
+constexpr std::array kTestMarks{
     TestMark{"procKAT_Text", " for KAT-Text]"},
     TestMark{"procKAT_Key", " for KAT-Key]"},
     TestMark{"procKAT_GFSbox", " for KAT-GFSbox]"},
@@ -99,7 +99,7 @@ __attribute__((section("__libfuzzer_extra_counters"))) std::array<std::uint8_t, 
 
 void countRows(const TestConfig& config, const TestMark& test, int completions) {
   const auto number = [](auto value) { return static_cast<std::size_t>(value); };
-  std::size_t row = number(&test - testMarks.data());
+  std::size_t row = number(&test - kTestMarks.data());
   for (const std::size_t part :
        {number(completions), number(config.testFunction), number(config.mode),
         number(config.hashId), number(config.keyLength / 4), number(runner::curveId + 1),
@@ -121,7 +121,7 @@ void countRows(const TestConfig& config, const TestMark& test, int completions) 
 }
 
 void compare(const TestConfig& config, const EngineRun& gnutls, const EngineRun& openssl) {
-  for (const TestMark& test : testMarks) {
+  for (const TestMark& test : kTestMarks) {
     const bool gnutlsCompletes = completes(gnutls, test);
     const bool opensslCompletes = completes(openssl, test);
     if (gnutlsCompletes || opensslCompletes) countRows(config, test, gnutlsCompletes ? 1 : 2);
