@@ -10,7 +10,7 @@
 
 namespace runner {
 
-// What allocateZeroed aligns to, in bytes.
+// What allocateBytes aligns to, in bytes.
 inline constexpr std::size_t kAlignment = 8;
 
 // allocateBytes returns `size` bytes, which hold anything, from the aligned allocator, or null when
@@ -18,7 +18,7 @@ inline constexpr std::size_t kAlignment = 8;
 // data pointers. The caller releases the bytes with std::free.
 [[nodiscard]] void* allocateBytes(std::size_t size);
 
-// allocateZeroed is allocateBytes for zero bytes.
+// allocateZeroed does the same and fills the bytes with zeros.
 [[nodiscard]] void* allocateZeroed(std::size_t size);
 
 // sizeOf returns a length of the interfaces as the size of a buffer: 0 for a negative one.
