@@ -104,7 +104,8 @@ std::string gcmExchange(CipherRun run, const std::vector<std::string>& ivLengths
 
 TEST(CipherRows, GiveThePublishedAnswers) {
   constexpr auto kGnutls = runner::CryptEngine::GNUTLS, kOpenssl = runner::CryptEngine::OPENSSL;
-  const std::string aesDone = exampleConsole("-cbc-"), gcmDone = exampleConsole("-gcm-");
+  const std::string aesDone = example("aes-128-cbc-encryption", ".out");
+  const std::string gcmDone = example("aes-128-gcm-encryption", ".out");
   for (const std::string bits : {"128", "192", "256"}) {
     for (const std::string function : {"Encryption", "Decryption"}) {
       SCOPED_TRACE(bits + " " + function);
@@ -178,7 +179,9 @@ TEST(AeadEngine, ClearsWhatItCouldNotVerify) {
     for (const int ivLength : {12, 0}) {
       params.ivLength = ivLength;
       std::ranges::fill(params.output.bytes(), std::uint8_t{0xEE});
-      EXPECT_LE(runner::execAeadDecrypt(config, params), 0);
+      // Without AES instructions GnuTLS takes an IV of no bytes.
+      const bool isRefused = ivLength == 0 && engine == runner::CryptEngine::OPENSSL;
+      EXPECT_LE(runner::execAeadDecrypt(config, params), isRefused ? -1 : 0);
       EXPECT_TRUE(std::ranges::all_of(params.output.bytes(), [](auto byte) { return byte == 0; }));
     }
   }

@@ -40,6 +40,10 @@ TEST(Command, TellsItsOutcome) {
   const std::string unopened = "can't open ", unwritten = "can't write ";
   const std::string ownLines = "...\n# File: Response file\n#\n", whole = ownLines + answerOf(name);
   const std::string done = "procAEAD finish normally\n";
+  const std::string keys = "ecdsa-p-256-public-key-validation", hashes = "sha-256-hash";
+  const auto path = [](const std::string& of) { return RUNNER_EXAMPLES "/" + of + ".req"; };
+  const std::string slowReader =
+      "exec 8<>" + pipe + "; (exec <" + pipe + " 8>&-; sleep 0.2; cat >" + response + ") &";
   const struct {
     std::string before;  // the command
     std::vector<std::string> arguments;
@@ -54,10 +58,18 @@ TEST(Command, TellsItsOutcome) {
       {"2>&-", {request, response}, 0, done, whole},
       {">&-", {request, response}, 0, "", whole},
       {"<&- >&- 2>&-", {request, response}, 0, "", whole},
+      {"<&- >&-", {path(keys), response}, 0, "", ownLines + answerOf(keys)},
+      {slowReader, {path(hashes), pipe}, 0, example(hashes, ".out"), ownLines + answerOf(hashes)},
       {">&9", {request, response}, 0, "", whole},
       {"ulimit -s 512;", {request, response}, 0, done, whole},
       {"umask 0;", {request, response}, 0, done, whole},
       {"exec 3>&-; ulimit -n 4;", {request, response}, 255, unopened + response, ownLines},
+      {"exec <&-; ulimit -n 3;",
+       {request, response},
+       255,
+       unopened + response + "\n" + unopened + request,
+       ""},
+      {"timeout 9", {"/proc/self/mem", response}, 255, "can't read /proc/self/mem", ownLines},
       {"", {missing, response}, 255, unopened + missing, ownLines},
       {"", {folder, response}, 255, unopened + folder, ownLines},
       {"timeout 9", {pipe, response}, 255, unopened + pipe, ownLines},
@@ -84,7 +96,7 @@ TEST(Command, TellsItsOutcome) {
   EXPECT_EQ(readFile(request), example(name, ".req"));
 }
 
-TEST(Command, DoesNotWaitForTheReaderOfAPipe) {
+TEST(Command, DoesNotWaitForAnotherReaderOfAPipe) {
   const TempDir dir;
   ASSERT_EQ(mkfifo(dir.file("pipe").c_str(), S_IRUSR | S_IWUSR), 0);
   alarm(9);  // ends a wait
@@ -153,16 +165,20 @@ std::string fieldsOf(const TestConfig& config) {
 
 const std::string kDrbg =
     "# CTR_DRBG\n[AlgorithmName = CTR_DRBG no df]\n[UnderlyingAlgorithm = AES-256]\n"
-    "[SecurityStrength = 128]\n[NumberOfBits = 8]\n[RequestedNumberOfBits = 511]\n[Trials = 3]\n"
-    "[NumberOfTrials = 15]\n";
+    "[SecurityStrength = 128]\n[RequestedNumberOfBits = 511]\n[NumberOfTrials = 15]\n";
+const std::string kOtherDrbg = edited(edited(kDrbg, "AES-256", "AES-128"), "= 128", "= 256");
 const std::string kEcdsa = example("ecdsa-p-256-value-list", ".req");
 const std::string kDsa = example("dsa-2048-256-value-list", ".req");
 
-// What no answer shows: no test follows a key generation, a signing or a DRBG.
+std::string named(const std::string& algorithm, const std::string& function) {
+  return "[Algorithm Name]\n" + algorithm + "\n[Function Name]\n" + function + "\n";
+}
+
+// What the answers do not show of a header; after a key generation, a signing or a DRBG there are
+// none.
 TEST(RequestHeader, FillsTheConfig) {
   const auto hashed = [](const std::string& algorithm, const std::string& function) {
-    return "[Algorithm Name]\n" + algorithm + "\n[Function Name]\n" + function +
-           "\n[Hash]\nM_Hash_SHA384\n";
+    return named(algorithm, function) + "[Hash]\nM_Hash_SHA384\n";
   };
   const std::string hashRequest = "[Algorithm Name]\nSHA-";
   const std::string byBytes = "\n[Function Name]\nHash\n[Data Format]\nM_Hash_Byte\n";
@@ -177,8 +193,11 @@ TEST(RequestHeader, FillsTheConfig) {
       {hashRequest + "224" + byBytes, "6 3 3 0 0 0 0 0 -"},
       {hashRequest + "256" + byBytes, "6 4 4 0 0 0 0 0 -"},
       {hashRequest + "384" + byBytes, "6 5 5 0 0 0 0 0 -"},
-      {kDrbg, "10 1 0 16 0 63 15 1 -"},
-      {edited(edited(kDrbg, "AES-256", "AES-128"), "= 128", "= 256"), "10 1 0 32 0 63 15 1 -"},
+      {edited(kDrbg, "[Req", "[NumberOfBits = 8]\n[Trials = 3]\n[Req"), "10 1 0 16 0 63 15 1 -"},
+      {kOtherDrbg, "10 1 0 32 0 63 15 1 -"},
+      {named("AES", "Encryption") +
+           "[Modes of Operation]\nECB\n[Modes of Operation]\nCBC\n[Bitlength of Key]\n128\n",
+       "0 0 0 16 0 0 0 0 -"},
       {edited(kEcdsa, "first [HashA", "[Algorithm = SHA-1]\n[HashA"), "5 9 4 32 0 128 6 1 P-256"},
       {kDsa, "5 8 4 256 32 128 6 1 -"},
   };
@@ -189,14 +208,49 @@ TEST(RequestHeader, FillsTheConfig) {
   }
 }
 
-TEST(ValueListHeader, IsInadequateWithoutItsLastLines) {
-  for (const std::string& request : {kDrbg, kEcdsa, kDsa}) {
+void expectRefused(const std::string& header, const std::string& why = "") {
+  const Parsed parsed = parse(header);
+  EXPECT_EQ(parsed.result, -1) << header;
+  EXPECT_TRUE(parsed.console.ends_with(why + "request is inadequate!!\n")) << parsed.console;
+}
+
+std::string withoutEnd(const std::string& name) { return name.substr(0, name.size() - 1); }
+
+TEST(RequestHeader, KnowsNoNameWithoutItsEnd) {
+  for (const std::string name : {"Encryption", "Decryption", "Key Generation", "Sign", "Hash",
+                                 "MAC", "Verification", "Public Key Validation"}) {
+    expectRefused(named("AES", withoutEnd(name)), "unexpected function name!!\n");
+  }
+  const std::pair<std::string, std::string> algorithms[] = {
+      {"DSA FIPS", "Sign"}, {"ECDSA", "Sign"},   {"ECDSA", "Public Key Validation"},
+      {"RSASSA", "Sign"},   {"HMAC", "MAC"},     {"GCM/GMAC", "Encryption"},
+      {"SHA-224", "Hash"},  {"SHA-256", "Hash"}, {"SHA-384", "Hash"},
+      {"SHA-512", "Hash"}};
+  for (const auto& [name, function] : algorithms) {
+    expectRefused(named(withoutEnd(name), function), "unexpected algorithm name!!\n");
+  }
+  expectRefused(named("SHA-1", "Hash") + "[Data Format]\nM_Hash_Byt\n", "unknown data format!!\n");
+  for (const std::string text : {"Plaintext", "Ciphertext"}) {
+    expectRefused(named("GCM/GMAC", "Encryption") + "[Bitlength of Key]\n128\n[Max BitLength of " +
+                  text + "\n8\n");
+  }
+}
+
+TEST(ValueListHeader, IsInadequateWithoutItsLastLinesOrAPartOfAnItem) {
+  for (const std::string& request : {kDrbg, kOtherDrbg, kEcdsa, kDsa}) {
     const std::size_t last = request.find("\n[NumberOf");
     for (std::size_t end = request.find('\n'); end <= last; end = request.find('\n', end + 1)) {
-      SCOPED_TRACE(request.substr(0, end));
-      const Parsed parsed = parse(request.substr(0, end));
-      EXPECT_EQ(parsed.result, -1);
-      EXPECT_EQ(lastLines(parsed.console, 1), "request is inadequate!!\n");
+      expectRefused(request.substr(0, end));
+    }
+    const std::string header = request.substr(0, request.find('\n', last + 1) + 1);
+    for (std::size_t item = 0; (item = header.find(" = ", item + 1)) != std::string::npos;) {
+      expectRefused(std::string(header).erase(item + 2, 1));
+      expectRefused(std::string(header).erase(header.rfind('[', item) + 1, 1));
+    }
+    for (const std::string end :
+         {"no df]", "Verification]", "AES-128]", "AES-256]", "h = 128]", "h = 256]"}) {
+      if (header.find(end) != std::string::npos)
+        expectRefused(edited(header, end, withoutEnd(end)));
     }
   }
 }

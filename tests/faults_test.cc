@@ -8,7 +8,6 @@
 #include <set>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "support/case_file.h"
 #include "support/failing_calls.h"
@@ -38,7 +37,9 @@ const Row kDsaRecords{"dsa-2048-256-value-list", 2000, {3998, 4001, 4006, 4007, 
 std::string requestOf(const Row& row) {
   const std::string request = example(row.name, ".req");
   if (request.empty()) return readCaseFile(RUNNER_CASES "/" + row.name + ".txt")[0].request;
-  return row.survived == 2208 ? edited(request, "\n1000\n", "\n2\n") : request;
+  // A Monte Carlo chain of whole length would take long.
+  return row.name.find("-cbc-") == std::string::npos ? request
+                                                     : edited(request, "\n1000\n", "\n2\n");
 }
 
 // A run that is disturbed, or with a number of INT_MAX none.
@@ -121,16 +122,27 @@ int expectFault(const Run& run, const Run& whole, const Row& row) {
 // failEach lets one call after the other go wrong and returns how often each number was told.
 std::map<int, int> failEach(const std::string& request, const Row& row, const Fault& fault) {
   std::map<int, int> numbers;
+  const bool isReal = fault.call == Call::ALLOCATE || (fault.error != 0 && fault.error != EINTR);
+  int harmless = 0;
   const Run whole(request, fault, INT_MAX, row.most);
   for (int number = 1;; ++number) {
     SCOPED_TRACE(testing::Message()
                  << row.name << ", call " << static_cast<int>(fault.call) << " no. " << number
                  << ", error " << fault.error << " after " << fault.moved);
     const Run run(request, fault, number, row.most);
-    if (run.by.callsLeft > 0) return numbers;
+    if (run.by.callsLeft > 0) {
+      // An error behind the end of a file, or when all has been moved, does no harm.
+      if (isReal) {
+        EXPECT_LE(harmless, fault.moved == 0 ? 1 : 6);
+      }
+      return numbers;
+    }
     const bool isHarmless = run.console == whole.console && run.response == whole.response;
-    if (isHarmless && fault.call != Call::ALLOCATE) continue;
-    EXPECT_TRUE(fault.call == Call::ALLOCATE || (fault.error != 0 && fault.error != EINTR));
+    if (isHarmless && fault.call != Call::ALLOCATE) {
+      ++harmless;
+      continue;
+    }
+    EXPECT_TRUE(isReal);
     ++numbers[expectFault(run, whole, row)];
   }
 }
@@ -185,7 +197,7 @@ TEST(Faults, OfAValueThatGrowsHaveItsNumber) {
 // place. What OpenSSL fails in is seen through `runner-check`.
 
 TEST(EngineCalls, AreToldWhenTheyFail) {
-  std::istringstream table(readFile(RUNNER_CASES "/engine_calls.csv"));
+  std::istringstream table(fromHere(readFile(RUNNER_CASES "/engine_calls.csv"), "\n"));
   std::string row, calls, results, name, told;
   for (std::getline(table, row); std::getline(table, row);) {
     SCOPED_TRACE(row);
@@ -198,8 +210,11 @@ TEST(EngineCalls, AreToldWhenTheyFail) {
     const Outcome outcome = isGnutls ? runCommand({request, "/dev/null"}, command + RUNNER_BINARY)
                                      : runCommand({request}, command + RUNNER_CHECK_BINARY);
     EXPECT_EQ(outcome.status, isGnutls ? 0 : 1);
-    const std::string line = (isGnutls ? "\n" : ": ") + told + "\n";
-    EXPECT_NE(("\n" + outcome.console).find(line), std::string::npos) << outcome.console;
+    // The last line of `runner-check` has the counts.
+    const std::string& console = outcome.console;
+    const std::string end = (isGnutls ? "" : ": ") + withNewlines(told) + "\n";
+    const std::string counts = isGnutls ? "" : lastLines(console, 1);
+    EXPECT_TRUE(console.ends_with(end + counts)) << console;
   }
 }
 

@@ -114,6 +114,7 @@ TEST(HexToBin, AcceptsJustTheHexadecimalDigits) {
     }
   }
   testing::internal::GetCapturedStdout();
+  EXPECT_EQ(measureHex(std::string(70, 'g')), 0U);
 }
 
 TEST(HexLineToBin, TakesWholeLinesThatFit) {
@@ -129,24 +130,6 @@ TEST(HexLineToBin, TakesWholeLinesThatFit) {
       EXPECT_EQ(out, (Bytes{0x0A, 0xFF}));
     }
   }
-}
-
-TEST(WriteHex, WritesEveryByteInOrder) {
-  const TempDir dir;
-  std::string text(200000, '\0');  // many chunks
-  for (std::size_t i = 0; i < text.size(); ++i) text[i] = static_cast<char>(i * 7 + i / 256);
-  const std::string digits = hexText(text);
-  const Bytes bytes(text.begin(), text.end());
-  TextWriter file;
-  ASSERT_TRUE(file.create(dir.file("out").c_str()));
-  std::string expected;
-  for (const std::size_t size : {200000U, 0U, 1U, 7U, 8U, 11U, 16U, 33U, 300U}) {
-    writeHex(file, std::span(bytes).first(size));
-    expected += digits.substr(0, 2 * size) + "\n";
-  }
-  writeLowerHex(file, Bytes{0x00, 0xAB, 0x10});
-  ASSERT_TRUE(file.close());
-  EXPECT_EQ(readFile(dir.file("out")), expected + "00ab10\n");
 }
 
 // Lines that cross the blocks in which the file is read, and zero bytes that stand before and after
@@ -178,8 +161,8 @@ TEST(Lines, AreReadByCapacityAndEndAtAZeroByte) {
 // What would write past a buffer is refused.
 TEST(Preconditions, AreChecked) {
   const TempDir dir;
-  writeFile(dir.file("in"), "t");
   for (const std::size_t capacity : {0U, 1U, 2U}) {
+    writeFile(dir.file("in"), capacity == 2 ? "t" : "\n");
     TextReader file;
     ASSERT_TRUE(file.open(dir.file("in").c_str()));
     EXPECT_EQ(file.readLine(capacity).value_or(""), capacity == 2 ? "t" : "");
@@ -200,33 +183,38 @@ TEST(Preconditions, AreChecked) {
   EXPECT_TRUE(file.close());
 }
 
-TEST(TextWriter, AppendsTextsOfAllSizes) {
+TEST(TextWriter, AppendsTextsAndDigitsOfAllSizes) {
   const TempDir dir;
   const std::string path = dir.file("out");
   std::string expected(kStreamBlockSize - 3, '-');
   writeFile(path, expected);
+  Bytes bytes(3 * kStreamBlockSize);
+  for (std::size_t i = 0; i < bytes.size(); ++i)
+    bytes[i] = static_cast<std::uint8_t>(i * 7 + i / 256);
   TextWriter file;
   ASSERT_TRUE(file.append(path.c_str()));
   std::vector<std::size_t> sizes(40, TextWriter::kMaxExtension + 1);
-  for (std::size_t size = 0; size < 3 * kStreamBlockSize; size = 3 * size + 1)
-    sizes.push_back(size);
+  for (const std::size_t size : {0U, 1U, 7U, 8U, 11U, 16U, 33U, 300U}) sizes.push_back(size);
+  for (std::size_t size = 4; size < 3 * kStreamBlockSize; size *= 3) sizes.push_back(size);
   for (const std::size_t size : sizes) {
-    const std::string text(size, static_cast<char>('a' + size % 26));
+    const auto part = std::span(bytes).first(size);
+    const std::string text(part.begin(), part.end());
     file.write(text);
-    expected += text;
+    writeHex(file, part);
+    expected += text + hexText(part) + "\n";
   }
+  writeLowerHex(file, Bytes{0x00, 0xAB, 0x10});
   ASSERT_TRUE(file.close());
-  EXPECT_EQ(readFile(path), expected);
+  EXPECT_TRUE(readFile(path) == expected + "00ab10\n");
 }
 
 TEST(Decimal, SaturatesAt64BitsAndKeepsTheLow32) {
-  const std::pair<const char*, int> cases[] = {
-      {" \t+12x", 12},   {"-7", -7},
-      {"007", 7},        {"x", 0},
-      {"4294967297", 1}, {"2147483648", -2147483647 - 1},
-      {"", 0},           {"99999999999999999999", -1},
-      {"- 7", 0},        {"-99999999999999999999", 0},
-  };
+  const std::pair<const char*, int> cases[] = {{" \t+12x", 12},   {"-7", -7},
+                                               {"007", 7},        {"x", 0},
+                                               {"4294967297", 1}, {"2147483648", -2147483647 - 1},
+                                               {"", 0},           {"99999999999999999999", -1},
+                                               {"- 7", 0},        {"-99999999999999999999", 0},
+                                               {"\r\v\f\n 5", 5}};
   for (const auto& [text, expected] : cases) EXPECT_EQ(decimal(text), expected) << text;
 }
 

@@ -147,7 +147,7 @@ class CaseReader {
       open_->engines = text;
     } else if (kind == "example") {
       open_->request = example(text, ".req");
-      open_->console = exampleConsole(text);
+      open_->console = example(text, ".out");
       open_->response = answerOf(text);
     } else if (kind == "<" || kind == "<=" || kind == "=") {
       if (kind != "=") add(open_->request);

@@ -45,10 +45,7 @@ void expectExchange(const std::string& text, const std::string& console, runner:
   std::istringstream stream(text);
   for (std::string line; std::getline(stream, line);) {
     const bool isMarked = line.starts_with('<') || line.starts_with('=');
-    std::string content = line.substr(isMarked ? 1 : 0) + "\n";
-    for (std::size_t at = 0; (at = content.find("\\n")) != std::string::npos;) {
-      content.replace(at, 2, "\n");
-    }
+    const std::string content = withNewlines(line.substr(isMarked ? 1 : 0)) + "\n";
     if (!line.starts_with('=')) request += content;
     if (!line.starts_with('<')) response += content;
   }

@@ -66,8 +66,10 @@ std::size_t __wrap_fwrite(const void* data, std::size_t size, std::size_t count,
 }
 
 int __wrap_fclose(std::FILE* file) {
+  const bool isWritten = (fcntl(fileno(file), F_GETFL) & O_ACCMODE) != O_RDONLY;
   const int result = __real_fclose(file);
-  if (disturbance != nullptr) disturbance->ends.push_back(disturbance->written);
+  if (disturbance == nullptr || !isWritten) return result;
+  disturbance->ends.push_back(disturbance->written);
   if (!strikes(Call::CLOSE)) return result;
   errno = disturbance->fault.error;
   return EOF;

@@ -4,7 +4,8 @@
 #include <cstddef>
 #include <vector>
 
-// The calls of the C library that allocate memory for values, and that read, write and close files.
+// The calls of the C library that allocate memory for values, that read and write files, and that
+// close what has been written.
 enum class Call { ALLOCATE, READ, WRITE, CLOSE };
 
 // Fault is what becomes of a call: it moves no more than `moved` bytes and reports `error`. With 0
@@ -23,7 +24,7 @@ struct Disturbance {
   int callsLeft;  // up to the one that goes wrong; none are left when it has
   std::size_t most;
   std::size_t written = 0;
-  std::vector<std::size_t> ends{};  // how much had been written when each file was closed
+  std::vector<std::size_t> ends{};  // how much had been written at each close
 };
 
 // The disturbance under which this process makes its calls, or none.

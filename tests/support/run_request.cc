@@ -90,10 +90,10 @@ Outcome runBinary(std::string_view request, const std::string& program) {
 std::string withEngineCalls(const std::string& calls, const std::string& results) {
   std::istringstream names(calls);
   std::string libraries;
-  for (std::string name; names >> name;) libraries += RUNNER_ENGINE_CALLS "/" + name + ".so ";
+  for (std::string name; names >> name;) libraries += name + ".so ";
   // AddressSanitizer wants to be the first library.
   return "ASAN_OPTIONS=$ASAN_OPTIONS:verify_asan_link_order=0 ENGINE_RETURNS='" + results +
-         "' LD_PRELOAD='" + libraries + "' ";
+         "' LD_LIBRARY_PATH='" RUNNER_ENGINE_CALLS "' LD_PRELOAD='" + libraries + "' ";
 }
 
 Outcome runInProcess(std::string_view request, runner::CryptEngine engine,
@@ -143,6 +143,11 @@ std::string filled(const std::string& pattern, const std::string& text) {
   return pattern.substr(0, gap) + (length == 0 ? "" : text.substr(gap, length)) + tail;
 }
 
+std::string withNewlines(std::string text) {
+  for (std::size_t at = 0; (at = text.find("\\n")) != std::string::npos;) text.replace(at, 2, "\n");
+  return text;
+}
+
 std::string lastLines(const std::string& text, int count) {
   std::size_t start = text.size();
   for (; count > 0 && start > 0; --count) {
@@ -163,20 +168,4 @@ std::string example(const std::string& name, const std::string& extension) {
 std::string answerOf(const std::string& name) {
   const std::string ownLines = "\n#\n";
   return fromHere(example(name, ".rsp"), ownLines).substr(ownLines.size());
-}
-
-std::string exampleConsole(const std::string& name) {
-  const auto is = [&](const char* part) { return name.find(part) != std::string::npos; };
-  std::string console;
-  if (is("-value-list")) {
-    console = "function    : Verification\nhash: 256\nrequest size : 128\nmessage num : 6\n";
-  }
-  if (is("-p-256-")) console += "curveid: 2\n";
-  std::istringstream tests(is("-cbc-")   ? "KAT_Text KAT_Key KAT_GFSbox KAT_KeySbox MMT MCT"
-                           : is("-gcm-") ? "AEAD"
-                           : is("-hash") || is("hmac-") ? "SMT SLMT PGMT"
-                           : is("-public-key-")         ? "ChkPublicKey"
-                                                        : "Verify");
-  for (std::string test; tests >> test;) console += "proc" + test + " finish normally\n";
-  return console;
 }

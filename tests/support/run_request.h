@@ -62,20 +62,20 @@ std::string edited(std::string_view text, std::string_view from, std::string_vie
 // and ends like the pattern if, and only if, it is equal to the result.
 std::string filled(const std::string& pattern, const std::string& text);
 
+// withNewlines returns `text` with a newline for each "\n" that is written out.
+std::string withNewlines(std::string text);
+
 // lastLines returns the last `count` lines of `text`.
 std::string lastLines(const std::string& text, int count);
 
 // fromHere returns the rest of `text` from `start` on, which must be in it.
 std::string fromHere(const std::string& text, const std::string& start);
 
-// example returns the content of the example file with this name and extension (".req", ".rsp").
+// example returns the content of the example file with this name and extension: ".req", ".rsp", or
+// ".out" for the console.
 std::string example(const std::string& name, const std::string& extension);
 
 // answerOf returns the expected response to an example without the program's own three lines.
 std::string answerOf(const std::string& name);
-
-// exampleConsole returns what the program prints for an example through GnuTLS: the items of a
-// value-list header, the curve, and that each test has finished.
-std::string exampleConsole(const std::string& name);
 
 #endif  // RUNNER_TESTS_SUPPORT_RUN_REQUEST_H_
