@@ -2,101 +2,51 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "driver/request_header.h"
+#include "support/case_file.h"
 #include "support/run_request.h"
 #include "text/text_stream.h"
 
 namespace runner {
 namespace {
 
-// The built program with its command line, its descriptors, the kinds of files that it is given,
-// and its exit status.
+// The built programs with their command lines, their descriptors, the kinds of files that they are
+// given, and their exit status.
 
-// Makes descriptor 9 a pipe that nobody reads.
-void openPipeWithoutReader() {
-  std::array<int, 2> ends{};
-  ASSERT_EQ(pipe(ends.data()), 0);
-  close(ends[0]);
-  dup2(ends[1], 9);
-  close(ends[1]);
-}
-
-TEST(Command, TellsItsOutcome) {
-  openPipeWithoutReader();
-  const TempDir dir;
-  const std::string name = "aes-256-gcm-decryption";
-  const std::string request = dir.file("request"), response = dir.file("response");
-  const std::string alias = dir.file("alias"), pipe = dir.file("pipe"), folder = dir.file("");
-  const std::string missing = dir.file("missing/file");
-  writeFile(request, example(name, ".req"));
-  std::filesystem::create_symlink(request, alias);
-  ASSERT_EQ(mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR), 0);
-  const std::string unopened = "can't open ", unwritten = "can't write ";
-  const std::string ownLines = "...\n# File: Response file\n#\n", whole = ownLines + answerOf(name);
-  const std::string done = "procAEAD finish normally\n";
-  const std::string keys = "ecdsa-p-256-public-key-validation", hashes = "sha-256-hash";
-  const auto path = [](const std::string& of) { return RUNNER_EXAMPLES "/" + of + ".req"; };
-  const std::string slowReader =
-      "exec 8<>" + pipe + "; (exec <" + pipe + " 8>&-; sleep 0.2; cat >" + response + ") &";
-  const struct {
-    std::string before;  // the command
-    std::vector<std::string> arguments;
-    int status;
-    std::string console;
-    std::string written;  // as a pattern
-  } rows[] = {
-      {"", {}, 1, "", ""},
-      {"", {request}, 1, "", ""},
-      {"", {request, response, "more"}, 0, done, whole},
-      {"<&-", {request, response}, 0, done, whole},
-      {"2>&-", {request, response}, 0, done, whole},
-      {">&-", {request, response}, 0, "", whole},
-      {"<&- >&- 2>&-", {request, response}, 0, "", whole},
-      {"<&- >&-", {path(keys), response}, 0, "", ownLines + answerOf(keys)},
-      {slowReader, {path(hashes), pipe}, 0, example(hashes, ".out"), ownLines + answerOf(hashes)},
-      {">&9", {request, response}, 0, "", whole},
-      {"ulimit -s 512;", {request, response}, 0, done, whole},
-      {"umask 0;", {request, response}, 0, done, whole},
-      {"exec 3>&-; ulimit -n 4;", {request, response}, 255, unopened + response, ownLines},
-      {"exec <&-; ulimit -n 3;",
-       {request, response},
-       255,
-       unopened + response + "\n" + unopened + request,
-       ""},
-      {"timeout 9", {"/proc/self/mem", response}, 255, "can't read /proc/self/mem", ownLines},
-      {"", {missing, response}, 255, unopened + missing, ownLines},
-      {"", {folder, response}, 255, unopened + folder, ownLines},
-      {"timeout 9", {pipe, response}, 255, unopened + pipe, ownLines},
-      {"echo |", {"/dev/stdin", response}, 255, unopened + "/dev/stdin", ownLines},
-      {"", {"/dev/null", response}, 255, unopened + "/dev/null", ownLines},
-      {"", {request, missing}, 255, unopened + missing + "\n" + unopened + missing, ""},
-      {"", {request, alias}, 255, unopened + alias, ""},
-      {"ulimit -f 0; timeout 9", {request, response}, 255, unwritten + response, ""},
-      {"", {request, "/dev/full"}, 255, unwritten + "/dev/full", ""},
-      {"", {request, "/dev/fd/9"}, 255, unwritten + "/dev/fd/9", ""},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.before + " " + row.console);
-    std::filesystem::remove(response);
-    const Outcome outcome = runCommand(row.arguments, row.before + " " RUNNER_BINARY);
-    EXPECT_EQ(outcome.status, row.status);
-    EXPECT_EQ(outcome.console, row.console + (row.status == 255 ? "\n" : ""));
-    const std::string written = readFile(response);
-    EXPECT_EQ(written, filled(row.written, written));
-    using std::filesystem::perms;
-    EXPECT_TRUE(row.before != "umask 0;" ||
-                std::filesystem::status(response).permissions() == perms{0666});
+// The rows of cases/commands.csv: the shell runs each one in a folder of its own.
+TEST(Commands, DoAsTheTableSays) {
+  const std::string rsa = example("rsa-2048-sha-256-verification", ".req");
+  std::istringstream table(fromHere(readFile(RUNNER_CASES "/commands.csv"), "\n"));
+  std::string line, status, console, answer, command;
+  for (std::getline(table, line); std::getline(table, line);) {
+    SCOPED_TRACE(line);
+    std::istringstream columns(line);
+    for (std::string* column : {&status, &console, &answer}) std::getline(columns, *column, '|');
+    std::getline(columns, command);
+    const TempDir dir;
+    for (const char* const name : {"out", "sub"}) std::filesystem::create_directory(dir.file(name));
+    for (const char* const name : {"a.req", "b.rsp", "sub/a.txt"}) writeFile(dir.file(name), rsa);
+    writeFile(dir.file("request"), example("aes-256-gcm-decryption", ".req"));
+    const Outcome outcome = runCommand(
+        {}, "exec 2>&1; cd " + dir.file("") +
+                "; mkfifo pipe; ln -s request alias; ln -s " RUNNER_BINARY
+                " runner; ln -s " RUNNER_CHECK_BINARY " check; E='" RUNNER_EXAMPLES "'; " +
+                command);
+    EXPECT_EQ(std::to_string(outcome.status), status);
+    EXPECT_EQ(outcome.console, filled(withVersions(expanded(console)), outcome.console));
+    const std::string ownLines = answer.empty() ? "" : "...\n# File: Response file\n#\n";
+    const std::string written = readFile(dir.file("response"));
+    EXPECT_EQ(written, filled(ownLines + (answer.size() < 4 ? "" : answerOf(answer)), written));
   }
-  EXPECT_EQ(readFile(request), example(name, ".req"));
 }
 
-TEST(Command, DoesNotWaitForAnotherReaderOfAPipe) {
+TEST(Commands, DoesNotWaitForAnotherReaderOfAPipe) {
   const TempDir dir;
   ASSERT_EQ(mkfifo(dir.file("pipe").c_str(), S_IRUSR | S_IWUSR), 0);
   alarm(9);  // ends a wait
@@ -105,7 +55,7 @@ TEST(Command, DoesNotWaitForAnotherReaderOfAPipe) {
 }
 
 // The last test takes for ever.
-TEST(Command, ShowsEachLineOfTheConsoleAtOnce) {
+TEST(Commands, ShowsEachLineOfTheConsoleAtOnce) {
   const TempDir dir;
   const std::string request = dir.file("request"), pipe = dir.file("pipe");
   writeFile(request,
@@ -117,7 +67,7 @@ TEST(Command, ShowsEachLineOfTheConsoleAtOnce) {
 }
 
 // A copy of the program asks for a function that no library has.
-TEST(Command, MayLackTheFunctionThatValidatesKeys) {
+TEST(Commands, MayLackTheFunctionThatValidatesKeys) {
   const TempDir dir;
   const std::string program = dir.file("runner"), quoted = RUNNER_BINARY;
   std::string bytes = readFile(quoted.substr(1, quoted.size() - 2));

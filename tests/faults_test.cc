@@ -212,7 +212,7 @@ TEST(EngineCalls, AreToldWhenTheyFail) {
     EXPECT_EQ(outcome.status, isGnutls ? 0 : 1);
     // The last line of `runner-check` has the counts.
     const std::string& console = outcome.console;
-    const std::string end = (isGnutls ? "" : ": ") + withNewlines(told) + "\n";
+    const std::string end = (isGnutls ? "" : ": ") + expanded(told) + "\n";
     const std::string counts = isGnutls ? "" : lastLines(console, 1);
     EXPECT_TRUE(console.ends_with(end + counts)) << console;
   }

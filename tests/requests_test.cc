@@ -77,6 +77,19 @@ TEST(Examples, AnswerOtherwiseToOneOtherBit) {
 
 class CaseFile : public testing::TestWithParam<std::string> {};
 
+// expectReport expects what `runner-check` reports of a case that is not sound or has no test.
+void expectReport(const RequestCase& row) {
+  const TempDir dir;
+  writeFile(dir.file("a"), row.request);
+  const Outcome outcome = runCommand({}, "cd " + dir.file("") + "; " RUNNER_CHECK_BINARY " a");
+  const bool hasFault = row.report != "no test";
+  EXPECT_EQ(outcome.status, hasFault ? 1 : 0);
+  EXPECT_EQ(outcome.console,
+            withVersions("a: " + row.report + "\n1 request: 0 complete and confirmed, " +
+                         (hasFault ? "1 not" : "0 not, 1 without test") + "; VERSIONS\n"))
+      << row.name;
+}
+
 TEST_P(CaseFile, HoldsWhatTheProgramDoes) {
   const std::string path = RUNNER_CASES "/" + GetParam() + ".txt";
   for (const RequestCase& row : readCaseFile(path)) {
@@ -88,6 +101,7 @@ TEST_P(CaseFile, HoldsWhatTheProgramDoes) {
       EXPECT_EQ(outcome.console, filled(row.console, outcome.console));
       EXPECT_EQ(outcome.response, filled(row.response, outcome.response));
     }
+    if (!row.report.empty()) expectReport(row);
   }
 }
 

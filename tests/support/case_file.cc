@@ -16,28 +16,6 @@ void require(bool condition, const std::string& message) {
   if (!condition) throw std::invalid_argument(message);
 }
 
-// expanded replaces what stands for other text: \n, \r and {COUNT*TEXT}.
-std::string expanded(const std::string& text) {
-  std::string result;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\\') {
-      const std::string escape = text.substr(i++, 2);
-      require(escape == "\\n" || escape == "\\r", "unknown escape: " + escape);
-      result += escape == "\\n" ? '\n' : '\r';
-    } else if (text[i] == '{') {
-      const std::size_t star = text.find('*', i);
-      const std::size_t end = text.find('}', i);
-      require(star < end && end != std::string::npos, "no {COUNT*TEXT}: " + text.substr(i));
-      const std::string repeated = expanded(text.substr(star + 1, end - star - 1));
-      for (int count = std::stoi(text.substr(i + 1)); count > 0; --count) result += repeated;
-      i = end;
-    } else {
-      result += text[i];
-    }
-  }
-  return result;
-}
-
 // splitAt returns what stands before and behind the first `mark`, nothing behind it if there is
 // none.
 std::pair<std::string, std::string> splitAt(const std::string& text, const std::string& mark) {
@@ -58,15 +36,6 @@ std::string illegalData(const std::string& text) {
   std::getline(words >> num >> i >> j >> site >> std::ws, rest);
   return "\nillegal data!! (" + rest + ")\nnum=" + num + ", i=" + i + ", j=" + j +
          "\nerr happens!! (" + site + ")";
-}
-
-// columns returns the four texts that bars part, of which the last ones may be missing.
-std::vector<std::string> columns(const std::string& text) {
-  static const std::regex bar(" ?[|] ?");
-  std::vector<std::string> result(std::sregex_token_iterator(text.begin(), text.end(), bar, -1),
-                                  {});
-  result.resize(4);
-  return result;
 }
 
 // CaseReader holds what is known while the lines of a file are read.
@@ -117,6 +86,7 @@ class CaseReader {
     open_ = sound_.value_or(RequestCase{});
     open_->name = name;
     open_->line = number;
+    open_->report.clear();
     own_.clear();
   }
 
@@ -145,6 +115,8 @@ class CaseReader {
     if (kind == "engines") {
       require(text.find_first_not_of("0123 ") == std::string::npos, "unknown engine: " + text);
       open_->engines = text;
+    } else if (kind == "check") {
+      open_->report = expanded(text);
     } else if (kind == "example") {
       open_->request = example(text, ".req");
       open_->console = example(text, ".out");
@@ -170,6 +142,35 @@ class CaseReader {
 };
 
 }  // namespace
+
+std::string expanded(const std::string& text) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\\') {
+      const std::string escape = text.substr(i++, 2);
+      require(escape == "\\n" || escape == "\\r", "unknown escape: " + escape);
+      result += escape == "\\n" ? '\n' : '\r';
+    } else if (text[i] == '{') {
+      const std::size_t star = text.find('*', i);
+      const std::size_t end = text.find('}', i);
+      require(star < end && end != std::string::npos, "no {COUNT*TEXT}: " + text.substr(i));
+      const std::string repeated = expanded(text.substr(star + 1, end - star - 1));
+      for (int count = std::stoi(text.substr(i + 1)); count > 0; --count) result += repeated;
+      i = end;
+    } else {
+      result += text[i];
+    }
+  }
+  return result;
+}
+
+std::vector<std::string> columns(const std::string& text) {
+  static const std::regex bar(" ?[|] ?");
+  std::vector<std::string> result(std::sregex_token_iterator(text.begin(), text.end(), bar, -1),
+                                  {});
+  result.resize(4);
+  return result;
+}
 
 std::vector<RequestCase> readCaseFile(const std::string& path) {
   CaseReader reader;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "support/case_file.h"
 #include "support/run_request.h"
 
 std::string filledIn(const std::string& name, const Values& values) {
@@ -45,7 +46,7 @@ void expectExchange(const std::string& text, const std::string& console, runner:
   std::istringstream stream(text);
   for (std::string line; std::getline(stream, line);) {
     const bool isMarked = line.starts_with('<') || line.starts_with('=');
-    const std::string content = withNewlines(line.substr(isMarked ? 1 : 0)) + "\n";
+    const std::string content = expanded(line.substr(isMarked ? 1 : 0)) + "\n";
     if (!line.starts_with('=')) request += content;
     if (!line.starts_with('<')) response += content;
   }

@@ -1,6 +1,8 @@
 #include "support/run_request.h"
 
+#include <gnutls/gnutls.h>
 #include <gtest/gtest.h>
+#include <openssl/crypto.h>
 #include <sys/wait.h>
 
 #include <algorithm>
@@ -143,9 +145,10 @@ std::string filled(const std::string& pattern, const std::string& text) {
   return pattern.substr(0, gap) + (length == 0 ? "" : text.substr(gap, length)) + tail;
 }
 
-std::string withNewlines(std::string text) {
-  for (std::size_t at = 0; (at = text.find("\\n")) != std::string::npos;) text.replace(at, 2, "\n");
-  return text;
+std::string withVersions(std::string_view text) {
+  static const std::string versions = std::string("GnuTLS ") + gnutls_check_version(nullptr) +
+                                      ", OpenSSL " + OpenSSL_version(OPENSSL_VERSION_STRING);
+  return std::regex_replace(std::string(text), std::regex("VERSIONS"), versions);
 }
 
 std::string lastLines(const std::string& text, int count) {

@@ -62,8 +62,8 @@ std::string edited(std::string_view text, std::string_view from, std::string_vie
 // and ends like the pattern if, and only if, it is equal to the result.
 std::string filled(const std::string& pattern, const std::string& text);
 
-// withNewlines returns `text` with a newline for each "\n" that is written out.
-std::string withNewlines(std::string text);
+// withVersions returns `text` with the versions of the engines in place of "VERSIONS".
+std::string withVersions(std::string_view text);
 
 // lastLines returns the last `count` lines of `text`.
 std::string lastLines(const std::string& text, int count);
