@@ -21,23 +21,23 @@ namespace {
 
 // The rows of cases/commands.csv: the shell runs each one in a folder of its own.
 TEST(Commands, DoAsTheTableSays) {
-  const std::string rsa = example("rsa-2048-sha-256-verification", ".req");
+  // What stands in the folder; `broken` runs a command with engines that end with the status $R.
+  const std::string start =
+      "E='" RUNNER_EXAMPLES "'; broken() { " +
+      withEngineCalls("gnutls_hash_init RSA_verify", "'$R'") +
+      "\"$@\"; }; ln -s " RUNNER_BINARY " runner; ln -s " RUNNER_CHECK_BINARY
+      " check; mkdir out sub; mkfifo pipe; cp \"$E\"/aes-256-gcm-*.req request; ln -s request "
+      "alias;"
+      "cp \"$E\"/rsa-*.req a.req; cp a.req b.rsp; cp a.req sub/a.txt; exec 2>&1; ";
   std::istringstream table(fromHere(readFile(RUNNER_CASES "/commands.csv"), "\n"));
-  std::string line, status, console, answer, command;
-  for (std::getline(table, line); std::getline(table, line);) {
-    SCOPED_TRACE(line);
-    std::istringstream columns(line);
+  std::string row, status, console, answer, command;
+  for (std::getline(table, row); std::getline(table, row);) {
+    SCOPED_TRACE(row);
+    std::istringstream columns(row);
     for (std::string* column : {&status, &console, &answer}) std::getline(columns, *column, '|');
     std::getline(columns, command);
     const TempDir dir;
-    for (const char* const name : {"out", "sub"}) std::filesystem::create_directory(dir.file(name));
-    for (const char* const name : {"a.req", "b.rsp", "sub/a.txt"}) writeFile(dir.file(name), rsa);
-    writeFile(dir.file("request"), example("aes-256-gcm-decryption", ".req"));
-    const Outcome outcome = runCommand(
-        {}, "exec 2>&1; cd " + dir.file("") +
-                "; mkfifo pipe; ln -s request alias; ln -s " RUNNER_BINARY
-                " runner; ln -s " RUNNER_CHECK_BINARY " check; E='" RUNNER_EXAMPLES "'; " +
-                command);
+    const Outcome outcome = runCommand({}, "cd " + dir.file("") + "; " + start + command);
     EXPECT_EQ(std::to_string(outcome.status), status);
     EXPECT_EQ(outcome.console, filled(withVersions(expanded(console)), outcome.console));
     const std::string ownLines = answer.empty() ? "" : "...\n# File: Response file\n#\n";

@@ -51,11 +51,6 @@ struct Run : Outcome {
   Disturbance by;
 };
 
-std::ptrdiff_t completions(const std::string& console) {
-  static const std::regex line("finish normally\n");
-  return std::distance(std::sregex_iterator(console.begin(), console.end(), line), {});
-}
-
 // lacksOneEnd tells whether a response lacks nothing but the end of what one step wrote.
 bool lacksOneEnd(const std::string& response, const Run& whole) {
   return std::ranges::any_of(whole.by.ends, [&](std::size_t end) {

@@ -99,10 +99,7 @@ TEST(EncodeSigRS, WritesDer) {
 TEST(EncodeSigRS, RefusesWhatIsTooLong) {
   const std::pair<std::size_t, std::size_t> lengths[] = {{128, 1}, {1, 128}, {126, 126}};
   for (const auto& [r, s] : lengths) {
-    testing::internal::CaptureStdout();
     EXPECT_EQ(encodeForVerify(Bytes(r, 1), Bytes(s, 1)).size(), 0U);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "signature size is too large!!\nencoding signature(rs) failed!!\n");
   }
 }
 

@@ -151,6 +151,11 @@ std::string withVersions(std::string_view text) {
   return std::regex_replace(std::string(text), std::regex("VERSIONS"), versions);
 }
 
+std::ptrdiff_t completions(const std::string& console) {
+  static const std::regex line("finish normally\n");
+  return std::distance(std::sregex_iterator(console.begin(), console.end(), line), {});
+}
+
 std::string lastLines(const std::string& text, int count) {
   std::size_t start = text.size();
   for (; count > 0 && start > 0; --count) {

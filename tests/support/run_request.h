@@ -65,6 +65,9 @@ std::string filled(const std::string& pattern, const std::string& text);
 // withVersions returns `text` with the versions of the engines in place of "VERSIONS".
 std::string withVersions(std::string_view text);
 
+// completions returns how many tests have finished.
+std::ptrdiff_t completions(const std::string& console);
+
 // lastLines returns the last `count` lines of `text`.
 std::string lastLines(const std::string& text, int count);
 
