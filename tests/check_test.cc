@@ -14,26 +14,6 @@
 
 namespace {
 
-TEST(Check, ConfirmsEveryExample) {
-  const TempDir dir;
-  std::vector<std::string> arguments = {"-d", dir.file("")};
-  const auto names = filesIn(RUNNER_EXAMPLES, ".req");
-  std::string expected;
-  for (const std::string& name : names) {
-    arguments.push_back(RUNNER_EXAMPLES "/" + name + ".req");
-    const std::string tests = std::to_string(completions(example(name, ".out")));
-    expected += arguments.back() + ": " + tests + " of " + tests + " tests, confirmed by OpenSSL\n";
-  }
-  const std::string count = std::to_string(names.size());
-  expected += count + " requests: " + count + " complete and confirmed, 0 not; VERSIONS\n";
-  const Outcome outcome = runCommand(arguments, RUNNER_CHECK_BINARY);
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.console, withVersions(expected));
-  for (const std::string& name : names) {
-    EXPECT_EQ(fromHere(readFile(dir.file(name + ".rsp")), "\n#\n"), "\n#\n" + answerOf(name));
-  }
-}
-
 TEST(Check, TakesNoOtherLineForASoundOne) {
   const std::string smt = "procSMT finish normally\n";
   const std::string slmt = "procSLMT finish normally\n";

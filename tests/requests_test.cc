@@ -12,18 +12,30 @@
 
 namespace {
 
-// Every example: the response (its date line aside), the console and the exit status of the built
-// program. The answers are published ones.
+// Every example: the response (its date line aside), the console and the exit status of both
+// programs. The answers are published ones.
 
 TEST(Examples, GiveTheirPublishedAnswers) {
+  const TempDir dir;
   const auto names = filesIn(RUNNER_EXAMPLES, ".req");
   EXPECT_FALSE(names.empty());
   for (const std::string& name : names) {
     SCOPED_TRACE(name);
-    const Outcome outcome = runBinary(example(name, ".req"));
+    const std::string request = RUNNER_EXAMPLES "/" + name + ".req",
+                      console = example(name, ".out");
+    const Outcome outcome = runCommand({request, dir.file("response")});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.console, example(name, ".out"));
-    EXPECT_EQ(outcome.response, answerOf(name));
+    EXPECT_EQ(outcome.console, console);
+    const std::string tests = std::to_string(completions(console));
+    const Outcome check = runCommand({"-d", dir.file(""), request}, RUNNER_CHECK_BINARY);
+    EXPECT_EQ(check.status, 0);
+    EXPECT_EQ(check.console,
+              withVersions(request + ": " + tests + " of " + tests +
+                           " tests, confirmed by OpenSSL\n1 request: 1 complete and confirmed, 0 "
+                           "not; VERSIONS\n"));
+    for (const std::string& response : {dir.file("response"), dir.file(name + ".rsp")}) {
+      EXPECT_EQ(fromHere(readFile(response), "\n#\n"), "\n#\n" + answerOf(name));
+    }
   }
 }
 
@@ -138,11 +150,6 @@ TEST(CaseFiles, AreReadStrictly) {
     }
     EXPECT_EQ(told, dir.file("cases") + row.error);
   }
-}
-
-TEST(Patterns, MatchWhatTheyName) {
-  EXPECT_EQ(edited("abcabc", "first b...c", "-"), "a-abc");
-  EXPECT_EQ(edited("abcabd", "c...", "-"), "ab-");
   for (const char* const pattern : {"...\n2\n", "2\n...\n", "1\n2\n...\n2\n3\n", "", "1\n2\n"}) {
     EXPECT_NE(filled(pattern, "1\n2\n3\n"), "1\n2\n3\n");
   }

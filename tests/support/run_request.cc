@@ -115,25 +115,26 @@ Outcome runInProcess(std::string_view request, runner::CryptEngine engine,
 }
 
 std::string edited(std::string_view text, std::string_view from, std::string_view to) {
+  const auto require = [from](bool condition, const char* message) {
+    if (!condition) throw std::invalid_argument(message + (": " + std::string(from)));
+  };
+  const auto endOf = [&](std::string_view part, std::size_t start) {
+    require(text.find(part, start) != std::string_view::npos, "not found");
+    return text.find(part, start) + part.size();
+  };
   const bool isFirst = from.starts_with(kFirst);
   const std::string_view pattern = from.substr(isFirst ? kFirst.size() : 0);
-  const std::size_t gap = pattern.find(kGap);
+  const std::size_t gap = std::min(pattern.find(kGap), pattern.size());
   const std::string_view head = pattern.substr(0, gap);
-  const std::string_view tail =
-      gap == std::string_view::npos ? "" : pattern.substr(gap + kGap.size());
-  const std::size_t begin = text.find(head);
-  std::size_t end = begin == std::string_view::npos ? begin : begin + head.size();
-  if (gap != std::string_view::npos && end != std::string_view::npos) {
-    end = tail.empty() ? text.size() : text.find(tail, end);
-    if (end != std::string_view::npos) end += tail.size();
+  std::size_t end = endOf(head, 0);
+  const std::size_t begin = end - head.size();
+  require(isFirst || head.empty() || text.find(head, begin + 1) == std::string_view::npos,
+          "found twice");
+  if (gap < pattern.size()) {
+    end = pattern.ends_with(kGap) ? text.size() : endOf(pattern.substr(gap + kGap.size()), end);
   }
-  if (end == std::string_view::npos) throw std::invalid_argument("not found: " + std::string(from));
-  const bool isTwice = !head.empty() && text.find(head, begin + 1) != std::string_view::npos;
-  if (isTwice && !isFirst) throw std::invalid_argument("found twice: " + std::string(from));
-  std::string result(text);
-  result.replace(begin, end - begin, to);
-  if (result == text) throw std::invalid_argument("without effect: " + std::string(from));
-  return result;
+  require(text.substr(begin, end - begin) != to, "without effect");
+  return std::string(text).replace(begin, end - begin, to);
 }
 
 std::string filled(const std::string& pattern, const std::string& text) {

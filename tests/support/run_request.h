@@ -41,8 +41,8 @@ struct Outcome {
 Outcome runCommand(const std::vector<std::string>& arguments,
                    const std::string& program = RUNNER_BINARY);
 
-// runBinary runs it on a request with this text.
-Outcome runBinary(std::string_view request, const std::string& program = RUNNER_BINARY);
+// runBinary runs a program on a request with this text.
+Outcome runBinary(std::string_view request, const std::string& program);
 
 // withEngineCalls returns what stands before a command so that these functions of the engines, with
 // blanks between them, give these results, see engine_call.cc.
