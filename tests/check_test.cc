@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "check/child_run.h"
@@ -51,8 +50,7 @@ TEST(Check, TakesNoOtherLineForASoundOne) {
     EXPECT_EQ(verdict.sound, row.sound);
     EXPECT_EQ(verdict.fault, row.fault);
   }
-  const auto print = [] { return std::printf("%4097d", 0) - 4090; };
-  const runner::ChildRun run = runner::runInChild(print);
+  const auto run = runner::runInChild([] { return std::printf("%4097d", 0) - 4090; });
   EXPECT_EQ(run.console, std::string(4096, ' ') + "0");
   EXPECT_EQ(run.status, 7);
   EXPECT_EQ(runner::headerFault(""), "no line");

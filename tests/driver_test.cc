@@ -2,11 +2,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <filesystem>
 #include <sstream>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "driver/request_header.h"
 #include "support/case_file.h"

@@ -143,16 +143,15 @@ std::map<int, int> failEach(const std::string& request, const Row& row, const Fa
 }
 
 TEST(Faults, AreToldOrHarmless) {
-  constexpr std::size_t kBlock = kStreamBlockSize;
   const Row rows[] = {
       {"aes_encryption", 700, {2097, 2208, 2380, 2444, 2445}},
       {"aes-256-cbc-decryption", 700, {2097, 2208, 2380, 2444, 2445}, 2208},
       {"gcm_encryption", 50, {6560, 6576, 6577, 6578, 6579, 6580, 6581}},
-      {"aes-256-gcm-decryption", kBlock, {6560, 6576, 6577, 6578, 6579, 6580, 6581}},
+      {"aes-256-gcm-decryption", kStreamBlockSize, {6560, 6576, 6577, 6578, 6579, 6580, 6581}},
       {"hmac_messages",
        7000,
        {6004, 6006, 6021, 6031, 6120, 6122, 6151, 6160, 6230, 6296, 6305, 6306}},
-      {"sha-256-hash", kBlock, {6004, 6021, 6031, 6120, 6151, 6160, 6296, 6305, 6306}},
+      {"sha-256-hash", kStreamBlockSize, {6004, 6021, 6031, 6120, 6151, 6160, 6296, 6305, 6306}},
       {"rsa_verification", 500, {5561, 5600, 5607, 5630, 5666}},
       {"dsa_verification", 500, {4169, 4216, 4223, 4243, 4268, 4589}},
       {"ecdsa_verification", 500, {4947, 4954, 5004, 5010, 5030, 5054, 4589}},
