@@ -2,7 +2,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <sstream>
 #include <string>
 #include <utility>
 
@@ -24,16 +23,12 @@ TEST(Commands, DoAsTheTableSays) {
       "E='" RUNNER_EXAMPLES "'; broken() { " +
       withEngineCalls("gnutls_hash_init RSA_verify", "'$R'") +
       "\"$@\"; }; ln -s " RUNNER_BINARY " runner; ln -s " RUNNER_CHECK_BINARY
-      " check; mkdir out sub; mkfifo pipe; cp \"$E\"/aes-256-gcm-*.req request; ln -s request "
-      "alias;"
-      "cp \"$E\"/rsa-*.req a.req; cp a.req b.rsp; cp a.req sub/a.txt; exec 2>&1; ";
-  std::istringstream table(fromHere(readFile(RUNNER_CASES "/commands.csv"), "\n"));
-  std::string row, status, console, answer, command;
-  for (std::getline(table, row); std::getline(table, row);) {
-    SCOPED_TRACE(row);
-    std::istringstream columns(row);
-    for (std::string* column : {&status, &console, &answer}) std::getline(columns, *column, '|');
-    std::getline(columns, command);
+      " check; mkdir out sub; mkfifo pipe; cp \"$E\"/aes-256-gcm-*.req request; "
+      "ln -s request alias; cp \"$E\"/rsa-*.req a.req; cp a.req b.rsp; cp a.req sub/a.txt; "
+      "exec 2>&1; ";
+  const auto rows = readTable<4>(RUNNER_CASES "/commands.csv", '|');
+  for (const auto& [status, console, answer, command] : rows) {
+    SCOPED_TRACE(command);
     const TempDir dir;
     const Outcome outcome = runCommand({}, "cd " + dir.file("") + "; " + start + command);
     EXPECT_EQ(std::to_string(outcome.status), status);

@@ -191,13 +191,9 @@ TEST(Faults, OfAValueThatGrowsHaveItsNumber) {
 // place. What OpenSSL fails in is seen through `runner-check`.
 
 TEST(EngineCalls, AreToldWhenTheyFail) {
-  std::istringstream table(fromHere(readFile(RUNNER_CASES "/engine_calls.csv"), "\n"));
-  std::string row, calls, results, name, told;
-  for (std::getline(table, row); std::getline(table, row);) {
-    SCOPED_TRACE(row);
-    std::istringstream columns(row);
-    for (std::string* column : {&calls, &results, &name}) std::getline(columns, *column, ',');
-    std::getline(columns, told);
+  const auto rows = readTable<4>(RUNNER_CASES "/engine_calls.csv", ',');
+  for (const auto& [calls, results, name, told] : rows) {
+    SCOPED_TRACE(calls + ": " + told);
     const std::string request = RUNNER_EXAMPLES "/" + name + ".req";
     const std::string command = withEngineCalls(calls, results);
     const bool isGnutls = calls.starts_with("gnutls");

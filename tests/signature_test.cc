@@ -156,14 +156,13 @@ TEST(PublicKeyValidation, TakesManyKeysAndKeepsTheirOrder) {
   // An error of an earlier verification words the first refusal only.
   lastOpensslError = kBadSignature;
   const std::string request = example("ecdsa-p-256-public-key-validation", ".req");
-  std::string keys, results;
+  std::string keys = "30\n[Public Keys]\n", results;
   for (int i = 0; i < 30; ++i) {
     const bool isGood = i != 7 && i != 29;
     keys += (isGood ? "04" : "02") + request.substr(request.find("2FA74931AE81"), 128) + "\n";
     results += isGood ? "0\n" : "1\n";
   }
-  const Outcome outcome = runInProcess(
-      edited(request, "8\n[Public Keys]\n...", "30\n[Public Keys]\n" + keys), kOpenssl);
+  const Outcome outcome = runInProcess(edited(request, "8\n[Public Keys]\n...", keys), kOpenssl);
   const std::string unsupported = "Unsupported format of a public key!!\n";
   EXPECT_EQ(outcome.console, "curveid: 2\n" + unsupported + "KEY7: bad signature?\n" + unsupported +
                                  "KEY29: something wrong?\nprocChkPublicKey finish normally\n");

@@ -4,11 +4,8 @@
 #include <optional>
 #include <regex>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
-
-#include "support/run_request.h"
 
 namespace {
 
@@ -36,6 +33,15 @@ std::string illegalData(const std::string& text) {
   std::getline(words >> num >> i >> j >> site >> std::ws, rest);
   return "\nillegal data!! (" + rest + ")\nnum=" + num + ", i=" + i + ", j=" + j +
          "\nerr happens!! (" + site + ")";
+}
+
+// columns returns the four texts that bars part, of which the last ones may be missing.
+std::vector<std::string> columns(const std::string& text) {
+  static const std::regex bar(" ?[|] ?");
+  std::vector<std::string> result(std::sregex_token_iterator(text.begin(), text.end(), bar, -1),
+                                  {});
+  result.resize(4);
+  return result;
 }
 
 // CaseReader holds what is known while the lines of a file are read.
@@ -161,14 +167,6 @@ std::string expanded(const std::string& text) {
       result += text[i];
     }
   }
-  return result;
-}
-
-std::vector<std::string> columns(const std::string& text) {
-  static const std::regex bar(" ?[|] ?");
-  std::vector<std::string> result(std::sregex_token_iterator(text.begin(), text.end(), bar, -1),
-                                  {});
-  result.resize(4);
   return result;
 }
 
