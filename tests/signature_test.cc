@@ -159,7 +159,7 @@ TEST(PublicKeyValidation, TakesManyKeysAndKeepsTheirOrder) {
   std::string keys = "30\n[Public Keys]\n", results;
   for (int i = 0; i < 30; ++i) {
     const bool isGood = i != 7 && i != 29;
-    keys += (isGood ? "04" : "02") + request.substr(request.find("2FA74931AE81"), 128) + "\n";
+    keys.append(isGood ? "04" : "02").append(request, request.find("2FA74931AE81"), 128) += "\n";
     results += isGood ? "0\n" : "1\n";
   }
   const Outcome outcome = runInProcess(edited(request, "8\n[Public Keys]\n...", keys), kOpenssl);
