@@ -17,10 +17,10 @@
 namespace runner {
 namespace {
 
-// Each allocation, read, write and close of a request fails in turn. Whichever it is, the fault is
-// told in the place of a completion line, by the number of its place or as a file that cannot be
-// opened, read or written; the test that it hit writes nothing that it would not have written
-// otherwise; and the other tests are not disturbed.
+// Each allocation, open, read, write and close of a request fails in turn. Whichever it is, the
+// fault is told in the place of a completion line, by the number of its place or as a file that
+// cannot be opened, read or written; the test that it hit writes nothing that it would not have
+// written otherwise; and the other tests are not disturbed.
 
 // A request and the numbers of its allocations. After `survived` its test goes on.
 struct Row {
@@ -163,7 +163,7 @@ TEST(Faults, AreToldOrHarmless) {
       {Call::READ, EIO},     {Call::READ, EIO, 100},     {Call::READ, EINTR},
       {Call::READ, 0, 100},  {Call::READ, EINTR, 100},   {Call::WRITE, ENOSPC},
       {Call::WRITE, EINTR},  {Call::WRITE, EDQUOT, 100}, {Call::CLOSE, EIO},
-      {Call::WRITE, 0, 100}, {Call::WRITE, EINTR, 100},
+      {Call::WRITE, 0, 100}, {Call::WRITE, EINTR, 100},  {Call::OPEN, EMFILE},
   };
   for (const Row& row : rows) {
     const std::string request = requestOf(row);

@@ -130,7 +130,6 @@ TEST(CaseFiles, AreReadStrictly) {
       {"case two\nall c -> d\n", ":8: no line of a case: all"},
       {"case two\nexample none\n", ":8: not found: \n#\n"},
       {"missing 1 abc\n", ":7: a row outside of a part"},
-      {"part done\nstops two | c -> d | x | at c\n", ":8: neither before nor after: at c"},
   };
   const TempDir dir;
   for (const auto& row : rows) {

@@ -145,6 +145,10 @@ TEST(VerifyDsa, ChoosesTheAlgorithmByMode) {
   config.mode = ModeId::HMAC;
   EXPECT_EQ(verifyDsa(config, key.get(), message, q, q), -1);
   config.engine = CryptEngine::OPENSSL;
+  ASSERT_EQ(makeDsaKey(config.engine, key, {.p = p, .q = q, .g = q, .y = q}), 0);
+  ERR_raise(ERR_LIB_RSA, 107);  // left behind by an earlier call
+  EXPECT_EQ(verifyDsa(config, key.get(), message, Bytes(2), q), 1);
+  EXPECT_EQ(std::exchange(lastOpensslError, 0), 0U);
   EXPECT_EQ(verifyDsa(config, nullptr, message, tooLong, q), -1);
   config.hashId = HashId::NONE;
   EXPECT_EQ(verifyDsa(config, nullptr, message, q, q), -1);

@@ -30,9 +30,7 @@ TEST(GetStr, FindsTheValueOfAPattern) {
     int found;
     std::string_view value;  // or what is printed
   } cases[] = {
-      {"COUNT = 12\n", "COUNT = ?", 128, 1, "12"},
       {"COUNT =  5\n", "COUNT = ?", 128, 1, ""},
-      {"Msg = 00\n", "COUNT = ?", 128, 0, "untouched"},
       {"[Curve = P-256]\r\n", "Curve = P-?", 128, 1, "256"},
       {"[L = 2048, N = 224]\n", "[N = ?", 128, 0, "untouched"},
       {"[L = 2048, N = 224]\n", "[L = ?", 128, 1, "2048,"},
@@ -40,9 +38,7 @@ TEST(GetStr, FindsTheValueOfAPattern) {
       {"CCOUNT = 1\n", "COUNT = ?", 128, 0, "untouched"},
       {"C COUNT = 1\r\n", "COUNT = ?", 128, 1, "1"},
       {"COUNT = ", "COUNT = ?", 128, 0, "untouched"},
-      {"12 COUNT = ", "COUNT = ?", 128, 0, "untouched"},
       {"value rest", "?", 128, 1, "value"},
-      {"a plain line", "plain", 128, 1, "untouched"},
       {"", "?", 128, 0, "untouched"},
       {"", "", 128, 0, "untouched"},
       {"x", "", 128, 1, "untouched"},

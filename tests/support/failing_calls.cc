@@ -49,12 +49,17 @@ std::size_t move(Call call, Move real, Data data, std::size_t count, std::FILE* 
 extern "C" {
 
 void* __real_aligned_alloc(std::size_t alignment, std::size_t size);
+std::FILE* __real_fopen(const char* path, const char* mode);
 std::size_t __real_fread(void* data, std::size_t size, std::size_t count, std::FILE* file);
 std::size_t __real_fwrite(const void* data, std::size_t size, std::size_t count, std::FILE* file);
 int __real_fclose(std::FILE* file);
 
 void* __wrap_aligned_alloc(std::size_t alignment, std::size_t size) {
   return strikes(Call::ALLOCATE) ? nullptr : __real_aligned_alloc(alignment, size);
+}
+
+std::FILE* __wrap_fopen(const char* path, const char* mode) {
+  return strikes(Call::OPEN) ? nullptr : __real_fopen(path, mode);
 }
 
 std::size_t __wrap_fread(void* data, std::size_t size, std::size_t count, std::FILE* file) {
