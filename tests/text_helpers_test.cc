@@ -38,6 +38,7 @@ TEST(GetStr, FindsTheValueOfAPattern) {
       {"CCOUNT = 1\n", "COUNT = ?", 128, 0, "untouched"},
       {"C COUNT = 1\r\n", "COUNT = ?", 128, 1, "1"},
       {"COUNT = ", "COUNT = ?", 128, 0, "untouched"},
+      {"12 COUNT = ", "COUNT = ?", 128, 0, "untouched"},
       {"value rest", "?", 128, 1, "value"},
       {"", "?", 128, 0, "untouched"},
       {"", "", 128, 0, "untouched"},
