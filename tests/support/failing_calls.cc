@@ -31,7 +31,6 @@ void fail(Move real, std::FILE* file, int mode) {
 
 template <typename Move, typename Data>
 std::size_t move(Call call, Move real, Data data, std::size_t count, std::FILE* file) {
-  if (disturbance == nullptr) return real(data, 1, count, file);
   const bool struck = strikes(call);
   const std::size_t most = struck ? disturbance->fault.moved : disturbance->most;
   const std::size_t moved = real(data, 1, std::min(count, most), file);
@@ -63,10 +62,12 @@ std::FILE* __wrap_fopen(const char* path, const char* mode) {
 }
 
 std::size_t __wrap_fread(void* data, std::size_t size, std::size_t count, std::FILE* file) {
+  if (disturbance == nullptr) return __real_fread(data, size, count, file);
   return move(Call::READ, __real_fread, data, size * count, file);
 }
 
 std::size_t __wrap_fwrite(const void* data, std::size_t size, std::size_t count, std::FILE* file) {
+  if (disturbance == nullptr) return __real_fwrite(data, size, count, file);
   return move(Call::WRITE, __real_fwrite, data, size * count, file);
 }
 
