@@ -96,7 +96,9 @@ int expectFault(const Run& run, const Run& whole, const Row& row) {
 
   const std::string before = told.prefix(), after = told.suffix();
   const auto lost = completions(whole.console) - completions(before + after);
-  const bool isSurvived = call == Call::ALLOCATE && lost == 0;
+  // The test goes on without this memory. The program's own lines can be lost in whole.
+  const bool isSurvived =
+      call == Call::ALLOCATE && lost == 0 && (number != 0 || run.response == whole.response);
   // A test whose request ends early may say so.
   EXPECT_TRUE(whole.console.starts_with(before) || isRead) << run.console;
   EXPECT_TRUE(whole.console.ends_with(after)) << run.console;
